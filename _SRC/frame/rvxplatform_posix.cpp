@@ -1,0 +1,93 @@
+// The frame on POSIX systems.
+//
+// The loader runs a constructor when the library comes and a destructor when it
+// goes. There is no notice of a thread's start, so a thread's record is made on
+// its first call; its end reaches us through the destructor of a pthread key,
+// which is the slot.
+
+#if !defined(_WIN32)
+
+#include "frame/rvxplatform.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <pthread.h>
+#include <unistd.h>
+
+#include "frame/rvxthread.h"
+
+__thread rvxThreadContext *rvxSlotMirror = nullptr;
+
+namespace {
+
+pthread_key_t slotKey;
+bool slotKeyValid = false; // written at load and unload only
+
+// POSIX has emptied the key before it calls this. The mirror follows the key
+// afterwards, so that a call from another key's destructor gets a new record
+// and not the freed one.
+void threadEnds(void *)
+{
+    rvxThreadDetach();
+    rvxSlotMirror = nullptr;
+}
+
+__attribute__((constructor)) void libraryComes()
+{
+    // A constructor cannot make the load fail. What could not be had here is
+    // missed, and the process ended, at the first call that needs it.
+    rvxProcessAttach();
+}
+
+__attribute__((destructor)) void libraryGoes()
+{
+    rvxProcessDetach();
+}
+
+} // namespace
+
+bool rvxSlotAlloc()
+{
+    slotKeyValid = pthread_key_create(&slotKey, threadEnds) == 0;
+    return slotKeyValid;
+}
+
+bool rvxSlotValid()
+{
+    return slotKeyValid;
+}
+
+bool rvxSlotSet(rvxThreadContext *context)
+{
+    if (!slotKeyValid || pthread_setspecific(slotKey, context) != 0)
+        return false;
+    rvxSlotMirror = context;
+    return true;
+}
+
+void rvxSlotFree()
+{
+    pthread_key_delete(slotKey);
+    slotKeyValid = false;
+}
+
+void *rvxRecordAlloc(std::size_t bytes)
+{
+    return std::calloc(1, bytes);
+}
+
+void rvxRecordFree(void *record)
+{
+    std::free(record);
+}
+
+void rvxFatalExit(const char *message)
+{
+    // write(2) alone: standard output's buffers may need memory.
+    const char newline = '\n';
+    if (write(STDERR_FILENO, message, std::strlen(message)) >= 0)
+        (void)!write(STDERR_FILENO, &newline, 1);
+    std::abort();
+}
+
+#endif

@@ -1,0 +1,36 @@
+// The engines of the Fourier transforms, and the fronts that are not exported.
+//
+// N is a power of two; direction is +1 for the forward kernel and -1 for its
+// conjugate; twiddles come from rvxGetFftTwdDit or rvxGetFftTwdDif of the same
+// order. Nothing is scaled.
+
+#ifndef RVXFFTD_H
+#define RVXFFTD_H
+
+#include <cstdint>
+
+#include "rvx.h"
+
+// Bit-reversed input to natural output, in place.
+void rvxFftDit(ZCplx *data, int N, int direction, const ZCplx *twiddles);
+void rvxrFftDit(double *re, double *im, int N, int direction, const ZCplx *twiddles);
+
+// Natural input to bit-reversed output, in place.
+void rvxFftDif(ZCplx *data, int N, int direction, const ZCplx *twiddles);
+void rvxrFftDif(double *re, double *im, int N, int direction, const ZCplx *twiddles);
+
+// Reversal by the swap list of the order; src and dst are distinct.
+void rvxBitRevInPlace(ZCplx *data, int N, const std::uint32_t *swapTbl);
+void rvxBitRevCopy(const ZCplx *src, ZCplx *dst, int N, const std::uint32_t *swapTbl);
+void rvxBitRevCopyDoubles(const double *src, double *dst, int N, const std::uint32_t *swapTbl);
+
+// Real transforms with packed spectra, in place, N doubles; RVX_FFT_OUT_RC_PACK
+// or RVX_FFT_OUT_RC_PERM, and RVX_FFT_IN_RC_PACK or RVX_FFT_IN_RC_PERM, name the
+// format.
+void rvxdRealFftl(double *samps, int order, int flags);
+void rvxdCcsFftl(double *samps, int order, int flags);
+
+// dst becomes the product of two RCPack spectra.
+void rvxdMpyRCPack2(const double *src, double *dst, int order);
+
+#endif

@@ -1,0 +1,141 @@
+/*
+ * rvx: signal processing in double precision, real and complex.
+ *
+ * Calls take plain arrays and small records that the caller owns. Lengths count
+ * elements; an order is the base-2 logarithm of a length. Names carry the type:
+ * d double, z complex; a b behind it marks a block operation. A digit gives the
+ * form: 1 a scalar and a block in place, 2 a source and a block in place, 3 two
+ * sources and a result.
+ *
+ * The same call on the same data gives the same bits on every x86-64 machine.
+ * (Of a NaN only that it is one is fixed, not its payload or its sign, except in
+ * functions that copy values or compare bit patterns.)
+ *
+ * Errors. A failed check stores a status for the calling thread, writes nothing
+ * and returns. Each thread starts in error mode 0, in which a failed check ends
+ * the process with exit code 1: call rvxSetErrMode(1) first in every thread that
+ * wants to see statuses. Success does not clear a status; clear it with
+ * rvxSetErrStatus(0). Each function's entry lists its checks in the order in
+ * which they are made.
+ *
+ * Threads. Nothing is shared between threads. A record or an array is worked on
+ * by one thread at a time.
+ */
+
+#ifndef RVX_H
+#define RVX_H
+
+#if defined(_WIN32)
+#if defined(RVX_BUILDING)
+#define RVX_API __declspec(dllexport)
+#elif defined(RVX_STATIC)
+#define RVX_API
+#else
+#define RVX_API __declspec(dllimport)
+#endif
+#else
+#define RVX_API __attribute__((visibility("default")))
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* A complex value. */
+typedef struct ZCplx {
+    double re;
+    double im;
+} ZCplx;
+
+/* ---------------------------------------------------------------------------
+ * Status and modes
+ * ------------------------------------------------------------------------- */
+
+/* 0 is success, failures are negative. The library itself raises BACKTRACE (a
+ * function that it called failed), NO_MEMORY and BAD_ARGUMENT; the others are
+ * words for callers and handlers. */
+enum {
+    RVX_STATUS_OK = 0,
+    RVX_STATUS_BACKTRACE = -1,
+    RVX_STATUS_BAD_STATE = -3,
+    RVX_STATUS_NO_MEMORY = -4,
+    RVX_STATUS_BAD_ARGUMENT = -5,
+    RVX_STATUS_UNSUPPORTED = -6,
+    RVX_STATUS_NO_CONVERGENCE = -7,
+    RVX_STATUS_AUTOTRACE = -8,
+    RVX_STATUS_NULL_POINTER = -10,
+    RVX_STATUS_BAD_POINTER = -12,
+    RVX_STATUS_BAD_DATA_STRUCTURE = -13,
+    RVX_STATUS_BAD_LENGTH = -14
+};
+
+/* Reports a failure, as the library itself does.
+ *   status   stored for the calling thread, but for BACKTRACE and AUTOTRACE,
+ *            which leave the stored status as it is; 0 clears it
+ *   func     name of the reporting function
+ *   context  what failed; null when an inner failure is passed on
+ *   file     name of the reporting module
+ *   line     the reporter's source line
+ * In error mode 0 ends the process by exit(1), without output; otherwise returns
+ * status. Status 0 never ends the process. */
+RVX_API int rvxError(int status, const char *func, const char *context, const char *file, int line);
+
+/* The message of a status, zero-terminated, constant, never null. Values without
+ * a name give "Unknown error or status code". */
+RVX_API const char *rvxErrorStr(int status);
+
+/* The calling thread's last status; 0 in a thread that never failed. */
+RVX_API int rvxGetErrStatus(void);
+
+/* Stores a status of any value for the calling thread. */
+RVX_API void rvxSetErrStatus(int status);
+
+/* The calling thread's error mode: 0 (as every thread starts) ends the process
+ * at a failure, any other value returns. */
+RVX_API int rvxGetErrMode(void);
+RVX_API void rvxSetErrMode(int mode);
+
+/* ---------------------------------------------------------------------------
+ * Block fill and copy, complex scalars
+ * ------------------------------------------------------------------------- */
+
+/* dst[i] = 0.0 for 0 <= i < n.
+ * Checks: n below 1; dst null. */
+RVX_API void rvxdbZero(double *dst, int n);
+
+/* dst[i] = val for 0 <= i < n, bit for bit.
+ * Checks: n below 1; dst null. */
+RVX_API void rvxdbSet(double val, double *dst, int n);
+RVX_API void rvxzbSet(ZCplx val, ZCplx *dst, int n);
+
+/* dst[i] = src[i] for 0 <= i < n, bit for bit, from the last element down to the
+ * first: dst may be src, or overlap it from above. Where dst overlaps src from
+ * below, elements are overwritten before they are read, as that order says.
+ * Checks: n below 1; src null; dst null. */
+RVX_API void rvxdbCopy(const double *src, double *dst, int n);
+
+/* a + b, and a - b, part by part. */
+RVX_API ZCplx rvxzAdd(ZCplx a, ZCplx b);
+RVX_API ZCplx rvxzSub(ZCplx a, ZCplx b);
+
+/* The product by its definition; infinities are not repaired:
+ * re = b.re * a.re - b.im * a.im, im = b.im * a.re + b.re * a.im. */
+RVX_API ZCplx rvxzMpy(ZCplx a, ZCplx b);
+
+/* a / b by one reciprocal t = 1 / (b.im * b.im + b.re * b.re), unscaled: b must
+ * keep its squares away from overflow and underflow (magnitudes between about
+ * 1e-154 and 1e154).
+ * Check: both parts of b zero or NaN; then gives 0 + 0i. */
+RVX_API ZCplx rvxzDiv(ZCplx a, ZCplx b);
+
+/* a with the sign of its imaginary part turned. */
+RVX_API ZCplx rvxzConj(ZCplx a);
+
+/* The complex value with these parts. */
+RVX_API ZCplx rvxzSet(double re, double im);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,35 @@
+# Runs DIGEST (behind EMULATOR, if given) and compares what it prints with the
+# file EXPECTED; also compares the names in it with the exports in MAP.
+
+cmake_minimum_required(VERSION 3.25)
+
+execute_process(COMMAND ${EMULATOR} ${DIGEST} OUTPUT_VARIABLE actual RESULT_VARIABLE result)
+if(NOT result EQUAL 0)
+    message(FATAL_ERROR "the digest program failed: ${result}")
+endif()
+
+file(READ ${EXPECTED} expected)
+if(NOT actual STREQUAL expected)
+    string(REPLACE "\n" ";" actualLines "${actual}")
+    string(REPLACE "\n" ";" expectedLines "${expected}")
+    foreach(line IN LISTS actualLines)
+        if(NOT line IN_LIST expectedLines)
+            message("now:    ${line}")
+        endif()
+    endforeach()
+    foreach(line IN LISTS expectedLines)
+        if(NOT line IN_LIST actualLines)
+            message("stored: ${line}")
+        endif()
+    endforeach()
+    message(FATAL_ERROR "the digest differs from ${EXPECTED}")
+endif()
+
+string(REGEX MATCHALL "rvx[A-Za-z0-9]+ " digested "${actual}")
+file(STRINGS ${MAP} exportLines REGEX "rvx[A-Za-z0-9]+;")
+foreach(line IN LISTS exportLines)
+    string(REGEX MATCH "rvx[A-Za-z0-9]+" name "${line}")
+    if(NOT "${name} " IN_LIST digested)
+        message(FATAL_ERROR "${name} is exported and has no row in the digest")
+    endif()
+endforeach()

@@ -1,0 +1,42 @@
+#include "support/reports.h"
+
+namespace {
+
+thread_local std::vector<Report> recorded;
+
+int recordReport(int status, const char *func, const char *context, const char *file, int)
+{
+    recorded.push_back({status, func, context != nullptr ? context : "(null)", file});
+    return status;
+}
+
+} // namespace
+
+std::ostream &operator<<(std::ostream &out, const Report &report)
+{
+    return out << "{" << report.status << ", " << report.func << ", \"" << report.context << "\", "
+               << report.file << "}";
+}
+
+Reports::Reports()
+    : handlerBefore(rvxGetThreadContext()->errHandler), modeBefore(rvxGetThreadContext()->errMode)
+{
+    rvxGetThreadContext()->errHandler = recordReport;
+    rvxSetErrMode(1);
+    rvxSetErrStatus(RVX_STATUS_OK);
+    recorded.clear();
+}
+
+Reports::~Reports()
+{
+    rvxGetThreadContext()->errHandler = handlerBefore;
+    rvxSetErrMode(modeBefore);
+    rvxSetErrStatus(RVX_STATUS_OK);
+}
+
+std::vector<Report> Reports::take()
+{
+    std::vector<Report> taken;
+    taken.swap(recorded);
+    return taken;
+}
