@@ -16,7 +16,8 @@
 #include "rvx.h"
 
 using RvxVector = double __attribute__((vector_size(32)));
-using RvxVectorMem = double __attribute__((vector_size(32), aligned(8), may_alias));
+// A typedef, since Clang passes over the alignment in an alias declaration.
+typedef double RvxVectorMem __attribute__((vector_size(32), aligned(8), may_alias));
 using RvxBits = std::int64_t __attribute__((vector_size(32)));
 
 struct Lanes {
