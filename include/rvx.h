@@ -134,6 +134,48 @@ RVX_API ZCplx rvxzConj(ZCplx a);
 /* The complex value with these parts. */
 RVX_API ZCplx rvxzSet(double re, double im);
 
+/* ---------------------------------------------------------------------------
+ * Block arithmetic
+ *
+ * Element by element for 0 <= i < n, one operation each, without special cases.
+ * dst may be the same array as any source; blocks that overlap in any other way
+ * are not supported. An element's result does not depend on its position.
+ * ------------------------------------------------------------------------- */
+
+/* dst[i] = dst[i] + val; dst[i] = dst[i] - val; dst[i] = dst[i] * val.
+ * Checks: n below 1; dst null. */
+RVX_API void rvxdbAdd1(double val, double *dst, int n);
+RVX_API void rvxdbSub1(double val, double *dst, int n);
+RVX_API void rvxdbMpy1(double val, double *dst, int n);
+
+/* dst[i] = dst[i] + src[i]; dst[i] = dst[i] - val[i]; dst[i] = dst[i] * src[i].
+ * Checks: n below 1; src (val) null; dst null. */
+RVX_API void rvxdbAdd2(const double *src, double *dst, int n);
+RVX_API void rvxdbSub2(const double *val, double *dst, int n);
+RVX_API void rvxdbMpy2(const double *src, double *dst, int n);
+
+/* dst[i] = srcA[i] + srcB[i]; dst[i] = src[i] - val[i]; dst[i] = srcA[i] * srcB[i].
+ * Checks: n below 1; srcA (src) null; srcB (val) null; dst null. */
+RVX_API void rvxdbAdd3(const double *srcA, const double *srcB, double *dst, int n);
+RVX_API void rvxdbSub3(const double *src, const double *val, double *dst, int n);
+RVX_API void rvxdbMpy3(const double *srcA, const double *srcB, double *dst, int n);
+
+/* Complex: dst[i] = dst[i] + val, part by part, and dst[i] = dst[i] * val.
+ * A product p * q, here and below, is formed by its definition,
+ * re = p.re * q.re - p.im * q.im, im = p.im * q.re + p.re * q.im, each product
+ * and sum rounded once; infinities are not repaired.
+ * Checks: n below 1; dst null. */
+RVX_API void rvxzbAdd1(ZCplx val, ZCplx *dst, int n);
+RVX_API void rvxzbMpy1(ZCplx val, ZCplx *dst, int n);
+
+/* Complex: dst[i] = dst[i] * src[i].
+ * Checks: n below 1; src null; dst null. */
+RVX_API void rvxzbMpy2(const ZCplx *src, ZCplx *dst, int n);
+
+/* Complex: dst[i] = srcB[i] * srcA[i].
+ * Checks: n below 1; srcA null; srcB null; dst null. */
+RVX_API void rvxzbMpy3(const ZCplx *srcA, const ZCplx *srcB, ZCplx *dst, int n);
+
 #ifdef __cplusplus
 }
 #endif

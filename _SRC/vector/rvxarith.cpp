@@ -12,6 +12,7 @@
 
 #include "frame/rvxcheck.h"
 #include "frame/rvxkernel.h"
+#include "frame/rvxlanes.h"
 
 RVX_MODULE("rvxarith")
 
@@ -44,6 +45,164 @@ void copyDownward(const Element *src, Element *dst, int n)
         return;
     }
     std::memmove(dst, src, bytes);
+}
+
+// p * q in the grouping that every complex product of the library has.
+RVX_INLINE ZCplx product(ZCplx p, ZCplx q)
+{
+    return {p.re * q.re - p.im * q.im, p.im * q.re + p.re * q.im};
+}
+
+// The same for two products side by side.
+RVX_INLINE Lanes product(Lanes p, Lanes q)
+{
+    return subAdd(p * realParts(q), swapParts(p) * imagParts(q));
+}
+
+struct Sum {
+    template <typename T>
+    RVX_INLINE T operator()(T a, T b) const
+    {
+        return a + b;
+    }
+};
+
+struct Difference {
+    template <typename T>
+    RVX_INLINE T operator()(T a, T b) const
+    {
+        return a - b;
+    }
+};
+
+struct Product {
+    template <typename T>
+    RVX_INLINE T operator()(T a, T b) const
+    {
+        return a * b;
+    }
+};
+
+struct CplxSum {
+    RVX_INLINE Lanes operator()(Lanes p, Lanes q) const { return p + q; }
+    RVX_INLINE ZCplx operator()(ZCplx p, ZCplx q) const { return {p.re + q.re, p.im + q.im}; }
+};
+
+struct CplxProduct {
+    template <typename T>
+    RVX_INLINE T operator()(T p, T q) const
+    {
+        return product(p, q);
+    }
+};
+
+// An operand of a block operation: a block has an element at each index, a
+// scalar has itself at all of them.
+template <typename Element>
+struct Block {
+    const Element *elements;
+    RVX_INLINE Element at(int i) const { return elements[i]; }
+    RVX_INLINE Lanes lanesAt(int i) const { return loadLanes(elements + i); }
+};
+
+template <typename Element>
+struct Scalar {
+    Element value;
+    Lanes lanes = allLanes(value);
+    RVX_INLINE Element at(int) const { return value; }
+    RVX_INLINE Lanes lanesAt(int) const { return lanes; }
+};
+
+// dst[i] = op(a[i], b[i]), from the last element down to the first. Every step
+// has read its elements before it writes, so that dst may be an operand.
+template <typename A, typename B, typename Op>
+RVX_INLINE void combineReal(A a, B b, double *dst, int n, Op op)
+{
+    int i = n;
+    for (; i >= 16; i -= 16) {
+        const Lanes r3 = op(a.lanesAt(i - 4), b.lanesAt(i - 4));
+        const Lanes r2 = op(a.lanesAt(i - 8), b.lanesAt(i - 8));
+        const Lanes r1 = op(a.lanesAt(i - 12), b.lanesAt(i - 12));
+        const Lanes r0 = op(a.lanesAt(i - 16), b.lanesAt(i - 16));
+        storeLanes(dst + i - 4, r3);
+        storeLanes(dst + i - 8, r2);
+        storeLanes(dst + i - 12, r1);
+        storeLanes(dst + i - 16, r0);
+    }
+    for (; i >= 4; i -= 4)
+        storeLanes(dst + i - 4, op(a.lanesAt(i - 4), b.lanesAt(i - 4)));
+    if (i >= 3)
+        dst[2] = op(a.at(2), b.at(2));
+    if (i >= 2)
+        dst[1] = op(a.at(1), b.at(1));
+    if (i >= 1)
+        dst[0] = op(a.at(0), b.at(0));
+}
+
+// The same for complex elements, which go from the first upward.
+template <typename A, typename B, typename Op>
+RVX_INLINE void combineCplx(A a, B b, ZCplx *dst, int n, Op op)
+{
+    int i = 0;
+    for (; n - i >= 4; i += 4) {
+        const Lanes r0 = op(a.lanesAt(i), b.lanesAt(i));
+        const Lanes r1 = op(a.lanesAt(i + 2), b.lanesAt(i + 2));
+        storeLanes(dst + i, r0);
+        storeLanes(dst + i + 2, r1);
+    }
+    if (n - i >= 2) {
+        storeLanes(dst + i, op(a.lanesAt(i), b.lanesAt(i)));
+        i += 2;
+    }
+    if (n - i >= 1)
+        dst[i] = op(a.at(i), b.at(i));
+}
+
+// Of the forms that change dst in place, dst is the first operand.
+
+RVX_KERNEL void addScalar(double val, double *dst, int n)
+{
+    combineReal(Block<double>{dst}, Scalar<double>{val}, dst, n, Sum{});
+}
+
+RVX_KERNEL void addBlocks(const double *a, const double *b, double *dst, int n)
+{
+    combineReal(Block<double>{a}, Block<double>{b}, dst, n, Sum{});
+}
+
+RVX_KERNEL void subtractScalar(double val, double *dst, int n)
+{
+    combineReal(Block<double>{dst}, Scalar<double>{val}, dst, n, Difference{});
+}
+
+RVX_KERNEL void subtractBlocks(const double *a, const double *b, double *dst, int n)
+{
+    combineReal(Block<double>{a}, Block<double>{b}, dst, n, Difference{});
+}
+
+RVX_KERNEL void multiplyScalar(double val, double *dst, int n)
+{
+    combineReal(Block<double>{dst}, Scalar<double>{val}, dst, n, Product{});
+}
+
+RVX_KERNEL void multiplyBlocks(const double *a, const double *b, double *dst, int n)
+{
+    combineReal(Block<double>{a}, Block<double>{b}, dst, n, Product{});
+}
+
+RVX_KERNEL void addCplxScalar(ZCplx val, ZCplx *dst, int n)
+{
+    combineCplx(Block<ZCplx>{dst}, Scalar<ZCplx>{val}, dst, n, CplxSum{});
+}
+
+RVX_KERNEL void multiplyCplxScalar(ZCplx val, ZCplx *dst, int n)
+{
+    combineCplx(Block<ZCplx>{dst}, Scalar<ZCplx>{val}, dst, n, CplxProduct{});
+}
+
+RVX_KERNEL void multiplyCplxBlocks(const ZCplx *p, const ZCplx *q, ZCplx *dst, int n)
+{
+    combineCplx(Block<ZCplx>{p}, Block<ZCplx>{q}, dst, n, CplxProduct{});
 }
 
 // A NaN counts as zero.
@@ -110,7 +269,7 @@ ZCplx rvxzSub(ZCplx a, ZCplx b)
 
 ZCplx rvxzMpy(ZCplx a, ZCplx b)
 {
-    return {b.re * a.re - b.im * a.im, b.im * a.re + b.re * a.im};
+    return product(b, a);
 }
 
 ZCplx rvxzDiv(ZCplx a, ZCplx b)
@@ -129,4 +288,107 @@ ZCplx rvxzConj(ZCplx a)
 ZCplx rvxzSet(double re, double im)
 {
     return {re, im};
+}
+
+void rvxdbAdd1(double val, double *dst, int n)
+{
+    RVX_REJECT_IF(n <= 0, "n<=0");
+    RVX_REJECT_IF(dst == nullptr, "dst==0");
+    addScalar(val, dst, n);
+}
+
+void rvxdbAdd2(const double *src, double *dst, int n)
+{
+    RVX_REJECT_IF(n <= 0, "n<=0");
+    RVX_REJECT_IF(src == nullptr, "src==0");
+    RVX_REJECT_IF(dst == nullptr, "dst==0");
+    addBlocks(dst, src, dst, n);
+}
+
+void rvxdbAdd3(const double *srcA, const double *srcB, double *dst, int n)
+{
+    RVX_REJECT_IF(n <= 0, "n<=0");
+    RVX_REJECT_IF(srcA == nullptr, "srcA==0");
+    RVX_REJECT_IF(srcB == nullptr, "srcB==0");
+    RVX_REJECT_IF(dst == nullptr, "dst==0");
+    addBlocks(srcA, srcB, dst, n);
+}
+
+void rvxdbSub1(double val, double *dst, int n)
+{
+    RVX_REJECT_IF(n <= 0, "n<=0");
+    RVX_REJECT_IF(dst == nullptr, "dst==0");
+    subtractScalar(val, dst, n);
+}
+
+void rvxdbSub2(const double *val, double *dst, int n)
+{
+    RVX_REJECT_IF(n <= 0, "n<=0");
+    RVX_REJECT_IF(val == nullptr, "val==0");
+    RVX_REJECT_IF(dst == nullptr, "dst==0");
+    subtractBlocks(dst, val, dst, n);
+}
+
+void rvxdbSub3(const double *src, const double *val, double *dst, int n)
+{
+    RVX_REJECT_IF(n <= 0, "n<=0");
+    RVX_REJECT_IF(src == nullptr, "src==0");
+    RVX_REJECT_IF(val == nullptr, "val==0");
+    RVX_REJECT_IF(dst == nullptr, "dst==0");
+    subtractBlocks(src, val, dst, n);
+}
+
+void rvxdbMpy1(double val, double *dst, int n)
+{
+    RVX_REJECT_IF(n <= 0, "n<=0");
+    RVX_REJECT_IF(dst == nullptr, "dst==0");
+    multiplyScalar(val, dst, n);
+}
+
+void rvxdbMpy2(const double *src, double *dst, int n)
+{
+    RVX_REJECT_IF(n <= 0, "n<=0");
+    RVX_REJECT_IF(src == nullptr, "src==0");
+    RVX_REJECT_IF(dst == nullptr, "dst==0");
+    multiplyBlocks(dst, src, dst, n);
+}
+
+void rvxdbMpy3(const double *srcA, const double *srcB, double *dst, int n)
+{
+    RVX_REJECT_IF(n <= 0, "n<=0");
+    RVX_REJECT_IF(srcA == nullptr, "srcA==0");
+    RVX_REJECT_IF(srcB == nullptr, "srcB==0");
+    RVX_REJECT_IF(dst == nullptr, "dst==0");
+    multiplyBlocks(srcA, srcB, dst, n);
+}
+
+void rvxzbAdd1(ZCplx val, ZCplx *dst, int n)
+{
+    RVX_REJECT_IF(n <= 0, "n<=0");
+    RVX_REJECT_IF(dst == nullptr, "dst==0");
+    addCplxScalar(val, dst, n);
+}
+
+void rvxzbMpy1(ZCplx val, ZCplx *dst, int n)
+{
+    RVX_REJECT_IF(n <= 0, "n<=0");
+    RVX_REJECT_IF(dst == nullptr, "dst==0");
+    multiplyCplxScalar(val, dst, n);
+}
+
+void rvxzbMpy2(const ZCplx *src, ZCplx *dst, int n)
+{
+    RVX_REJECT_IF(n <= 0, "n<=0");
+    RVX_REJECT_IF(src == nullptr, "src==0");
+    RVX_REJECT_IF(dst == nullptr, "dst==0");
+    multiplyCplxBlocks(dst, src, dst, n);
+}
+
+void rvxzbMpy3(const ZCplx *srcA, const ZCplx *srcB, ZCplx *dst, int n)
+{
+    RVX_REJECT_IF(n <= 0, "n<=0");
+    RVX_REJECT_IF(srcA == nullptr, "srcA==0");
+    RVX_REJECT_IF(srcB == nullptr, "srcB==0");
+    RVX_REJECT_IF(dst == nullptr, "dst==0");
+    multiplyCplxBlocks(srcB, srcA, dst, n);
 }
