@@ -14,15 +14,20 @@
 // RVX_REJECT_IF(condition, message, result…): when the condition holds, reports
 // a bad argument under the name of the function that the check stands in and
 // returns the result, which a function without one leaves out.
-#define RVX_REJECT_IF(condition, ...)                                                              \
+#define RVX_REJECT_IF(condition, ...) RVX_REJECT_AS(__func__, condition, __VA_ARGS__)
+
+// The same under a given name: for checks that several functions share.
+#define RVX_REJECT_AS(func, condition, ...)                                                        \
     do {                                                                                           \
         if (condition)                                                                             \
-            return rvxReject(__func__, rvxModuleName, __LINE__, __VA_ARGS__);                      \
+            return rvxReject(func, rvxModuleName, __LINE__, __VA_ARGS__);                          \
     } while (false)
 
 // RVX_REPORT(status, message): a report that is not an argument check, such as
 // missing memory; does not return from the function. Gives rvxError's result.
-#define RVX_REPORT(status, message) rvxError(status, __func__, message, rvxModuleName, __LINE__)
+#define RVX_REPORT(status, message) RVX_REPORT_AS(__func__, status, message)
+#define RVX_REPORT_AS(func, status, message)                                                       \
+    rvxError(status, func, message, rvxModuleName, __LINE__)
 
 inline void rvxReject(const char *func, const char *module, int line, const char *message)
 {
