@@ -176,6 +176,27 @@ RVX_API void rvxzbMpy2(const ZCplx *src, ZCplx *dst, int n);
  * Checks: n below 1; srcA null; srcB null; dst null. */
 RVX_API void rvxzbMpy3(const ZCplx *srcA, const ZCplx *srcB, ZCplx *dst, int n);
 
+/* ---------------------------------------------------------------------------
+ * Fourier transforms
+ *
+ * N = 2^order. Flags are or-ed into one word; other bits are ignored.
+ * ------------------------------------------------------------------------- */
+
+enum {
+    RVX_FFT_FORWARD = 1,        /* the kernel exp(-2 pi j k n / N) */
+    RVX_FFT_INVERSE = 2,        /* the kernel exp(+2 pi j k n / N) and the factor 1/N */
+    RVX_FFT_INIT_TABLES = 4,    /* build the tables that this call would use, and return */
+    RVX_FFT_FREE_TABLES = 8,    /* release the tables of this order and form, and return */
+    RVX_FFT_NO_SCALE = 16,      /* the inverse transform without its factor 1/N */
+    RVX_FFT_NATURAL_ORDER = 32, /* the default, said aloud: excludes the next two */
+    RVX_FFT_IN_BIT_REV = 64,    /* input in bit-reversed order, output in natural order */
+    RVX_FFT_OUT_BIT_REV = 128,  /* input in natural order, output in bit-reversed order */
+    RVX_FFT_OUT_RC_PACK = 256,
+    RVX_FFT_OUT_RC_PERM = 512,
+    RVX_FFT_IN_RC_PACK = 1024,
+    RVX_FFT_IN_RC_PERM = 4096
+};
+
 #ifdef __cplusplus
 }
 #endif

@@ -1,0 +1,325 @@
+// rvxtwd: the tables of roots of unity that the Fourier transforms run on.
+//
+// Every entry is picked from one quarter wave of the sine, computed in extended
+// precision and rounded once, so that equal angles have equal values in all
+// tables. (The full-circle table alone is computed entry by entry.)
+
+#include "transform/rvxtwd.h"
+
+#include <cmath>
+#include <cstdint>
+
+#include "frame/rvxbuffer.h"
+#include "frame/rvxcheck.h"
+#include "frame/rvxkernel.h"
+#include "frame/rvxthread.h"
+#include "transform/rvxmisc.h"
+
+RVX_MODULE("rvxtwd")
+
+namespace {
+
+enum { RVX_KERNEL_ORDER = 9, RVX_COARSE_ORDER = 14, RVX_COARSE_LEN = 2048 };
+
+constexpr double RVX_TWO_PI = 6.283185307179586;
+
+bool orderInRange(int order)
+{
+    return order >= 0 && order < RVX_ORDERS;
+}
+
+// S[i] = sin(2 pi i / N) for 0 <= i <= N/4. The second half comes from the
+// cosine of the complement, where that is the more accurate one; so S[N/4] is 1.
+double *rvxCalcSineQuarter(int order)
+{
+    const std::int64_t n = std::int64_t{1} << order;
+    const std::int64_t quarter = n / 4;
+    double *sine = rvxAllocDoubles(static_cast<std::uint32_t>(quarter + 1));
+    if (sine == nullptr)
+        return nullptr;
+    const Extended step = RVX_TWO_PI / static_cast<double>(n);
+    for (std::int64_t i = 0; i <= n / 8; ++i)
+        sine[i] = static_cast<double>(std::sin(static_cast<Extended>(i) * step));
+    for (std::int64_t i = n / 8 + 1; i <= quarter; ++i)
+        sine[i] = static_cast<double>(std::cos(static_cast<Extended>(quarter - i) * step));
+    return sine;
+}
+
+// The quarter wave and the lengths that belong to it: W(N,k) for 0 <= k <= 3N/4.
+struct Circle {
+    const double *sine;
+    std::int64_t quarter;
+    std::int64_t half;
+
+    ZCplx root(std::int64_t k) const
+    {
+        if (k <= quarter)
+            return {sine[quarter - k], -sine[k]};
+        if (k <= half)
+            return {-sine[k - quarter], -sine[half - k]};
+        return {-sine[3 * quarter - k], sine[k - half]};
+    }
+};
+
+void fillDit(ZCplx *tbl, const Circle &circle, int)
+{
+    for (std::int64_t k = 0; k <= circle.quarter; ++k) {
+        *tbl++ = circle.root(k);
+        *tbl++ = circle.root(2 * k);
+        *tbl++ = circle.root(3 * k);
+    }
+}
+
+void fillDif(ZCplx *tbl, const Circle &circle, int)
+{
+    for (std::int64_t k = 1; k < circle.quarter; ++k) {
+        *tbl++ = circle.root(k);
+        *tbl++ = circle.root(3 * k);
+    }
+}
+
+void fillLarge(ZCplx *tbl, const Circle &circle, int order)
+{
+    for (std::int64_t k = 0; k < circle.quarter; ++k)
+        tbl[k] = circle.root(k);
+    if (order < RVX_COARSE_ORDER)
+        return;
+    const int stride = 1 << (order - (RVX_COARSE_ORDER - 1));
+    for (std::int64_t k = 0; k < RVX_COARSE_LEN; ++k)
+        tbl[circle.quarter + k] = circle.root(stride * k);
+}
+
+void fillRealTwist(ZCplx *tbl, const Circle &circle, int)
+{
+    for (std::int64_t k = 0; k < circle.quarter; ++k)
+        tbl[k] = {0.5 * circle.sine[circle.quarter - k], 0.5 - 0.5 * circle.sine[k]};
+}
+
+void fillCcsTwist(ZCplx *tbl, const Circle &circle, int)
+{
+    for (std::int64_t k = 0; k < circle.quarter; ++k)
+        tbl[k] = circle.root(k);
+}
+
+std::uint64_t ditLen(int order)
+{
+    return order < 2 ? 4 : (std::uint64_t{1} << order) + 4;
+}
+
+std::uint64_t difLen(int order)
+{
+    return ((std::uint64_t{1} << order) + 1) / 2;
+}
+
+std::uint64_t largeLen(int order)
+{
+    const std::uint64_t quarter = (std::uint64_t{1} << order) / 4;
+    return order < RVX_COARSE_ORDER ? quarter : quarter + RVX_COARSE_LEN;
+}
+
+std::uint64_t twistLen(int order)
+{
+    return order < 4 ? 2 : (std::uint64_t{1} << order) / 4;
+}
+
+// What distinguishes the five tables that are filled from the quarter wave.
+struct TableKind {
+    ZCplx *(rvxThreadContext::*slots)[RVX_ORDERS];
+    std::uint64_t (*len)(int order);
+    void (*fill)(ZCplx *tbl, const Circle &circle, int order);
+};
+
+constexpr TableKind largeTable{&rvxThreadContext::fftTableA, largeLen, fillLarge};
+constexpr TableKind ditTable{&rvxThreadContext::fftTableB, ditLen, fillDit};
+constexpr TableKind difTable{&rvxThreadContext::fftTableC, difLen, fillDif};
+constexpr TableKind realTwistTable{&rvxThreadContext::realFftTableA, twistLen, fillRealTwist};
+constexpr TableKind ccsTwistTable{&rvxThreadContext::realFftTableB, twistLen, fillCcsTwist};
+
+constexpr const TableKind *fftTables[] = {&largeTable, &ditTable, &difTable, &realTwistTable,
+                                          &ccsTwistTable};
+
+// Null when there is no memory. A table whose bytes a 32-bit count cannot hold
+// counts as such: it is refused before any of it is computed.
+ZCplx *buildTable(const TableKind &kind, int order)
+{
+    const std::uint64_t bytes = kind.len(order) * sizeof(ZCplx);
+    if (bytes > UINT32_MAX)
+        return nullptr;
+    void *tbl = rvxAllocBytes(static_cast<std::uint32_t>(bytes));
+    if (tbl == nullptr)
+        return nullptr;
+    double *sine = rvxCalcSineQuarter(order);
+    if (sine == nullptr) {
+        rvxFreeAligned(tbl);
+        return nullptr;
+    }
+    const std::int64_t n = std::int64_t{1} << order;
+    kind.fill(static_cast<ZCplx *>(tbl), Circle{sine, n / 4, n / 2}, order);
+    rvxFreeAligned(sine);
+    return static_cast<ZCplx *>(tbl);
+}
+
+const ZCplx *getTable(const TableKind &kind, int order)
+{
+    if (!orderInRange(order))
+        return nullptr;
+    ZCplx *&slot = (rvxGetThreadContext()->*kind.slots)[order];
+    if (slot == nullptr)
+        slot = buildTable(kind, order);
+    return slot;
+}
+
+// Above the kernels' order a transform runs on the large table and, for its
+// blocks, on the table of the kernels' order.
+const ZCplx *getKernelTable(const TableKind &kind, int order)
+{
+    if (!orderInRange(order))
+        return nullptr;
+    if (order <= RVX_KERNEL_ORDER)
+        return getTable(kind, order);
+    return getTable(kind, RVX_KERNEL_ORDER) != nullptr ? rvxGetFftTwdLarge(order) : nullptr;
+}
+
+template <typename Entry>
+void dropTable(Entry *&slot)
+{
+    rvxFreeAligned(slot);
+    slot = nullptr;
+}
+
+void freeTable(const TableKind &kind, int order)
+{
+    if (orderInRange(order))
+        dropTable((rvxGetThreadContext()->*kind.slots)[order]);
+}
+
+void freeKernelTable(const TableKind &kind, int order)
+{
+    freeTable(kind, order);
+    if (orderInRange(order) && order > RVX_KERNEL_ORDER) {
+        rvxFreeFftTwdLarge(order);
+        freeTable(kind, RVX_KERNEL_ORDER);
+    }
+}
+
+} // namespace
+
+const ZCplx *rvxGetFftTwdLarge(int order)
+{
+    return getTable(largeTable, order);
+}
+
+const ZCplx *rvxGetFftTwdDit(int order)
+{
+    return getKernelTable(ditTable, order);
+}
+
+const ZCplx *rvxGetFftTwdDif(int order)
+{
+    return getKernelTable(difTable, order);
+}
+
+const ZCplx *rvxGetRealTwistTbl(int order)
+{
+    return getTable(realTwistTable, order);
+}
+
+const ZCplx *rvxGetCcsTwistTbl(int order)
+{
+    return getTable(ccsTwistTable, order);
+}
+
+void rvxFreeFftTwdLarge(int order)
+{
+    freeTable(largeTable, order);
+}
+
+void rvxFreeFftTwdDit(int order)
+{
+    freeKernelTable(ditTable, order);
+}
+
+void rvxFreeFftTwdDif(int order)
+{
+    freeKernelTable(difTable, order);
+}
+
+void rvxFreeRealTwistTbl(int order)
+{
+    freeTable(realTwistTable, order);
+}
+
+void rvxFreeCcsTwistTbl(int order)
+{
+    freeTable(ccsTwistTable, order);
+}
+
+void rvxFreeSmallTable(int i)
+{
+    if (i < 0 || i >= RVX_SMALL_TABLES)
+        return;
+    rvxThreadContext *context = rvxGetThreadContext();
+    dropTable(context->smallTable[i]);
+    context->smallTableKey[i] = 0;
+}
+
+void rvxFreeFftTables()
+{
+    for (const TableKind *kind : fftTables)
+        for (int order = 0; order < RVX_ORDERS; ++order)
+            freeTable(*kind, order);
+    for (int order = 0; order < RVX_ORDERS; ++order)
+        rvxFreeBitRevSwapTbl(order);
+}
+
+void rvxFreeTwdTables()
+{
+    rvxThreadContext *context = rvxGetThreadContext();
+    for (int i = 0; i < context->sizedTableCount; ++i) {
+        dropTable(context->sizedTable[i]);
+        context->sizedTableKey[i] = 0;
+    }
+    context->sizedTableCount = 0;
+    for (int order = 0; order < RVX_ORDERS; ++order)
+        dropTable(context->twdTable[order]);
+    rvxFreeFftTables();
+    // The last small table is deliberately not visited.
+    for (int i = 0; i < RVX_SMALL_TABLES - 1; ++i)
+        rvxFreeSmallTable(i);
+}
+
+const ZCplx *rvxzGetFftTwdTbl(int order)
+{
+    // A bad order is reported and seen again in the status, as any older failure is.
+    if (order < 0)
+        RVX_REPORT(RVX_STATUS_BAD_ARGUMENT, "order<0");
+    if (order > 31)
+        RVX_REPORT(RVX_STATUS_BAD_ARGUMENT, "order>31");
+    rvxThreadContext *context = rvxGetThreadContext();
+    if (context->errStatus < 0 || !orderInRange(order))
+        return nullptr;
+    ZCplx *&slot = context->twdTable[order];
+    if (slot == nullptr) {
+        ZCplx *tbl = rvxAllocZCplx(std::uint32_t{1} << order);
+        if (tbl == nullptr) {
+            RVX_REPORT(RVX_STATUS_NO_MEMORY, "NULL Pointer");
+            return nullptr;
+        }
+        rvxzCalcFftTwdTbl(tbl, order);
+        slot = tbl;
+    }
+    return slot;
+}
+
+void rvxzCalcFftTwdTbl(ZCplx *tbl, int order)
+{
+    RVX_REJECT_IF(order < 0, "order<0");
+    RVX_REJECT_IF(order > 31, "order>31");
+    RVX_REJECT_IF(tbl == nullptr, "tbl==0");
+    const std::int64_t n = std::int64_t{1} << order;
+    const Extended step = RVX_TWO_PI / static_cast<double>(n);
+    for (std::int64_t k = 0; k < n; ++k) {
+        const Extended angle = static_cast<Extended>(k) * step;
+        tbl[k] = {static_cast<double>(std::cos(angle)), -static_cast<double>(std::sin(angle))};
+    }
+}
