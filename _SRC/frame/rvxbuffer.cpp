@@ -19,7 +19,8 @@ void *allocAligned(std::uint32_t n, std::uint64_t elementBytes)
     if (block == nullptr)
         return nullptr;
     const auto address = reinterpret_cast<std::uintptr_t>(block);
-    void *buffer = reinterpret_cast<void *>((address + RVX_ROUND_UP) & ~(RVX_ALIGNMENT - 1));
+    void *buffer = static_cast<unsigned char *>(block) + RVX_ROUND_UP -
+                   (address + RVX_ROUND_UP) % RVX_ALIGNMENT;
     static_cast<void **>(buffer)[-1] = block;
     return buffer;
 }
