@@ -2,6 +2,37 @@
 
 #include <benchmark/benchmark.h>
 
+namespace {
+
+#if defined(__clang__)
+constexpr const char *compilerName = "Clang " __clang_version__;
+#else
+constexpr const char *compilerName = "GCC " __VERSION__;
+#endif
+
+// What the table's head tells, beside what the benchmark library knows itself.
+void describe()
+{
+    benchmark::AddCustomContext("compiler", compilerName);
+#ifdef RVX_HAVE_FFTW
+    benchmark::AddCustomContext("peer|FFTW", RVX_HAVE_FFTW);
+#else
+    benchmark::AddCustomContext("peer|FFTW", "");
+#endif
+#ifdef RVX_HAVE_OPENBLAS
+    benchmark::AddCustomContext("peer|OpenBLAS", RVX_HAVE_OPENBLAS);
+#else
+    benchmark::AddCustomContext("peer|OpenBLAS", "");
+#endif
+#ifdef RVX_HAVE_EIGEN
+    benchmark::AddCustomContext("peer|Eigen", RVX_HAVE_EIGEN);
+#else
+    benchmark::AddCustomContext("peer|Eigen", "");
+#endif
+}
+
+} // namespace
+
 void compare(const std::string &task, const std::string &size,
              const std::vector<Contender> &contenders)
 {
@@ -22,8 +53,11 @@ void limit(const std::string &task, double bar, const std::string &reason)
 
 int main(int argc, char **argv)
 {
+    describe();
     registerComparisons();
     benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 1;
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
     return 0;

@@ -1,0 +1,144 @@
+"""Makes docs/benchmarks.md of what the benchmark programs wrote down.
+
+    table.py PAGE RESULT.json...
+
+Each result is one family, named as its file. Families that are not among the
+results keep the section that they have in the page.
+"""
+
+import json
+import os
+import re
+import statistics
+import sys
+
+HEAD = """\
+# Benchmarks
+
+Times of one call, on one core, medians of {repetitions} interleaved repetitions. The
+ratio is ours to the strongest peer's in the same run: below 1 this library is
+faster. The bar is the ratio that a task is meant to stay below, and the line below
+a table says what stops it from being faster still. `loop` is the plain loop as the
+compiler makes it at `-O3 -march=x86-64-v3`.
+
+`bench/run.sh` makes this page, `bench/run.sh fft` renews the section of one family.
+
+Last run: {run}.
+{skipped}"""
+
+
+def load(path):
+    with open(path, encoding="utf-8") as file:
+        data = json.load(file)
+    rows = {}
+    for entry in data["benchmarks"]:
+        if entry.get("run_type") != "iteration":
+            continue
+        task, size, who = entry["run_name"].split("|")
+        scale = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}[entry["time_unit"]]
+        rows.setdefault((task, size), {}).setdefault(who, []).append(entry["cpu_time"] * scale)
+    return data["context"], rows
+
+
+def limits(context):
+    found = {}
+    for key, value in context.items():
+        if key.startswith("limit|"):
+            bar, reason = value.split("|", 1)
+            found[key.split("|", 1)[1]] = (float(bar), reason)
+    return found
+
+
+def peers(context):
+    return {key.split("|", 1)[1]: version for key, version in context.items()
+            if key.startswith("peer|")}
+
+
+def machine():
+    with open("/proc/cpuinfo", encoding="utf-8") as file:
+        found = re.search(r"^model name\s*:\s*(.*)$", file.read(), re.MULTILINE)
+    return found.group(1) if found else "unknown processor"
+
+
+def describe(context):
+    caches = ", ".join(
+        f"L{cache['level']} {cache['size'] // 1024} KiB"
+        for cache in context["caches"] if cache["type"] != "Instruction")
+    versions = ", ".join(f"{name} {version}" for name, version in peers(context).items() if version)
+    text = f"{context['date'][:10]}, {machine()} ({caches}), {context['compiler']}"
+    return f"{text}; {versions}" if versions else text
+
+
+def readable(ns):
+    for unit, scale in (("ns", 1.0), ("µs", 1e3), ("ms", 1e6), ("s", 1e9)):
+        value = ns / scale
+        if value < 999.5 or unit == "s":
+            digits = 0 if value >= 99.95 else 1 if value >= 9.995 else 2
+            return f"{value:.{digits}f} {unit}"
+
+
+def row_of(size, times, bar):
+    ours = statistics.median(times["rvx"])
+    others = {who: statistics.median(values) for who, values in times.items() if who != "rvx"}
+    if not others:
+        return f"| {size} | {readable(ours)} | none installed | | | | |", None
+    best = min(others, key=others.get)
+    ratio = ours / others[best]
+    verdict = "" if bar is None else "ok" if ratio <= bar else "above"
+    shown = "" if bar is None else f"{bar:g}"
+    return (f"| {size} | {readable(ours)} | {best} | {readable(others[best])} "
+            f"| {ratio:.2f} | {shown} | {verdict} |", verdict)
+
+
+def section(name, context, rows):
+    bars = limits(context)
+    tasks = list(dict.fromkeys(task for task, _ in rows))
+    unknown = [task for task in bars if task not in tasks]
+    if unknown:
+        sys.exit(f"error: {name}: a limit is set for tasks that are not measured: {unknown}")
+    lines = [f"## {name}", "", f"Measured {describe(context)}.", ""]
+    above = 0
+    for task in tasks:
+        bar, reason = bars.get(task, (None, ""))
+        lines += [f"### {task}", "",
+                  "| size | rvx | strongest peer | its time | ratio | bar | |",
+                  "|---|---:|---|---:|---:|---:|---|"]
+        for (row_task, size), times in rows.items():
+            if row_task == task:
+                text, verdict = row_of(size, times, bar)
+                above += verdict == "above"
+                lines.append(text)
+        lines.append("")
+        if reason:
+            lines += [f"Limit: {reason}", ""]
+    print(f"{name}: {len(rows)} rows, {above} above their bar")
+    return "\n".join(lines)
+
+
+def sections_of(page):
+    if not os.path.exists(page):
+        return {}
+    with open(page, encoding="utf-8") as file:
+        parts = re.split(r"^(?=## )", file.read(), flags=re.MULTILINE)[1:]
+    return {part.splitlines()[0][3:]: part.rstrip("\n") + "\n" for part in parts}
+
+
+def main(page, results):
+    sections = sections_of(page)
+    for path in results:
+        context, rows = load(path)
+        name = os.path.splitext(os.path.basename(path))[0]
+        sections[name] = section(name, context, rows)
+        repetitions = max(len(values) for times in rows.values() for values in times.values())
+    absent = [name for name, version in peers(context).items() if not version]
+    skipped = "".join(f"\n{name} is not installed: its rows are skipped.\n" for name in absent)
+    head = HEAD.format(repetitions=repetitions, run=describe(context), skipped=skipped)
+    with open(page, "w", encoding="utf-8") as file:
+        file.write("\n".join([head] + [sections[name] for name in sorted(sections)]))
+    print(f"written: {page}")
+
+
+if __name__ == "__main__":
+    if len(sys.argv) < 3:
+        sys.exit(__doc__)
+    main(sys.argv[1], sys.argv[2:])
