@@ -133,6 +133,7 @@ def main(page, results):
     absent = [name for name, version in peers(context).items() if not version]
     skipped = "".join(f"\n{name} is not installed: its rows are skipped.\n" for name in absent)
     head = HEAD.format(repetitions=repetitions, run=describe(context), skipped=skipped)
+    os.makedirs(os.path.dirname(page) or ".", exist_ok=True)
     with open(page, "w", encoding="utf-8") as file:
         file.write("\n".join([head] + [sections[name] for name in sorted(sections)]))
     print(f"written: {page}")
