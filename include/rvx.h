@@ -197,6 +197,40 @@ enum {
     RVX_FFT_IN_RC_PERM = 4096
 };
 
+/* X[k] = sum over n of x[n] * exp(-2 pi j k n / N), 0 <= k < N, with
+ * RVX_FFT_FORWARD; the conjugate kernel and the factor 1/N with RVX_FFT_INVERSE.
+ *   samps     N values, in place
+ *   inSamps   N values, left as they are; may be outSamps if the order of input
+ *             or output is bit-reversed, and otherwise does not overlap it
+ *   outSamps  N values
+ *   order     0 to 31; tables of more than 4 GiB are refused as missing memory,
+ *             which leaves orders up to 28
+ *   flags     exactly one direction; at most one of RVX_FFT_NATURAL_ORDER,
+ *             RVX_FFT_IN_BIT_REV and RVX_FFT_OUT_BIT_REV; RVX_FFT_NO_SCALE
+ * An element of natural index i stands in bit-reversed order at the reversal of
+ * the low `order` bits of i. Forward to bit-reversed order and inverse from it
+ * need no reordering pass and suit convolution.
+ *
+ * RVX_FFT_FREE_TABLES releases this order's tables in the calling thread and
+ * returns, before any check; RVX_FFT_INIT_TABLES builds them, after the checks of
+ * the order, and looks at nothing else. Tables are otherwise built by a thread's
+ * first transform of an order and kept. RVX_FFT_OUT_BIT_REV alone selects one
+ * form of tables, everything else the other.
+ *
+ * Checks: order below 0; above 31; no memory for the tables, "No working Twd
+ * memory"; null pointers in the order of the arguments; both directions; none;
+ * two of the three orderings. The data is untouched then; the tables stay built.
+ *
+ * Cooley and Tukey, An algorithm for the machine calculation of complex Fourier
+ * series, 1965; Gentleman and Sande, Fast Fourier transforms for fun and profit,
+ * 1966. */
+RVX_API void rvxzFft(ZCplx *samps, int order, int flags);
+RVX_API void rvxzFftNip(const ZCplx *inSamps, ZCplx *outSamps, int order, int flags);
+
+/* The same with real and imaginary parts in arrays of their own, N doubles each. */
+RVX_API void rvxzrFftNip(const double *reInSamps, const double *imInSamps, double *reOutSamps,
+                         double *imOutSamps, int order, int flags);
+
 #ifdef __cplusplus
 }
 #endif

@@ -2,7 +2,8 @@
 //
 // N is a power of two; direction is +1 for the forward kernel and -1 for its
 // conjugate; twiddles come from rvxGetFftTwdDit or rvxGetFftTwdDif of the same
-// order. Nothing is scaled.
+// order. Nothing is scaled but by the forms that take a scale: it multiplies each
+// result after all additions.
 
 #ifndef RVXFFTD_H
 #define RVXFFTD_H
@@ -15,9 +16,24 @@
 void rvxFftDit(ZCplx *data, int N, int direction, const ZCplx *twiddles);
 void rvxrFftDit(double *re, double *im, int N, int direction, const ZCplx *twiddles);
 
+void rvxFftDitScaled(ZCplx *data, int N, int direction, const ZCplx *twiddles, double scale);
+void rvxrFftDitScaled(double *re, double *im, int N, int direction, const ZCplx *twiddles,
+                      double scale);
+
 // Natural input to bit-reversed output, in place.
 void rvxFftDif(ZCplx *data, int N, int direction, const ZCplx *twiddles);
 void rvxrFftDif(double *re, double *im, int N, int direction, const ZCplx *twiddles);
+void rvxFftDifScaled(ZCplx *data, int N, int direction, const ZCplx *twiddles, double scale);
+void rvxrFftDifScaled(double *re, double *im, int N, int direction, const ZCplx *twiddles,
+                      double scale);
+
+// Natural order both ways: reversal and Dit in one. N of 2 and more; dst is src or
+// does not overlap it, and in the split form likewise each part. Twiddles as for Dit.
+void rvxFftNatural(const ZCplx *src, ZCplx *dst, int N, int direction, const ZCplx *twiddles,
+                   const std::uint32_t *swapTbl, double scale);
+void rvxrFftNatural(const double *reSrc, const double *imSrc, double *reDst, double *imDst, int N,
+                    int direction, const ZCplx *twiddles, const std::uint32_t *swapTbl,
+                    double scale);
 
 // Reversal by the swap list of the order; src and dst are distinct.
 void rvxBitRevInPlace(ZCplx *data, int N, const std::uint32_t *swapTbl);

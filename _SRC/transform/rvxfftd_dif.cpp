@@ -2,6 +2,8 @@
 
 #include "transform/rvxfftd.h"
 
+#include "vector/rvxarith.h"
+
 namespace {
 
 // W(N,k) for 0 <= k < N/2.
@@ -50,4 +52,21 @@ void rvxFftDif(ZCplx *data, int N, int direction, const ZCplx *twiddles)
 void rvxrFftDif(double *re, double *im, int N, int direction, const ZCplx *twiddles)
 {
     split(At{re, 1}, At{im, 1}, N, direction, twiddles);
+}
+
+void rvxFftDifScaled(ZCplx *data, int N, int direction, const ZCplx *twiddles, double scale)
+{
+    rvxFftDif(data, N, direction, twiddles);
+    if (scale != 1.0)
+        rvxdbMpy1(scale, &data->re, 2 * N);
+}
+
+void rvxrFftDifScaled(double *re, double *im, int N, int direction, const ZCplx *twiddles,
+                      double scale)
+{
+    rvxrFftDif(re, im, N, direction, twiddles);
+    if (scale == 1.0)
+        return;
+    rvxdbMpy1(scale, re, N);
+    rvxdbMpy1(scale, im, N);
 }

@@ -2,6 +2,8 @@
 
 #include "transform/rvxfftd.h"
 
+#include "vector/rvxarith.h"
+
 namespace {
 
 // W(N,k) for 0 <= k < N/2 from a table of a quarter circle at the given stride.
@@ -48,4 +50,40 @@ void rvxFftDit(ZCplx *data, int N, int direction, const ZCplx *twiddles)
 void rvxrFftDit(double *re, double *im, int N, int direction, const ZCplx *twiddles)
 {
     merge(At{re, 1}, At{im, 1}, N, direction, twiddles);
+}
+
+void rvxFftDitScaled(ZCplx *data, int N, int direction, const ZCplx *twiddles, double scale)
+{
+    rvxFftDit(data, N, direction, twiddles);
+    if (scale != 1.0)
+        rvxdbMpy1(scale, &data->re, 2 * N);
+}
+
+void rvxrFftDitScaled(double *re, double *im, int N, int direction, const ZCplx *twiddles,
+                      double scale)
+{
+    rvxrFftDit(re, im, N, direction, twiddles);
+    if (scale == 1.0)
+        return;
+    rvxdbMpy1(scale, re, N);
+    rvxdbMpy1(scale, im, N);
+}
+
+void rvxFftNatural(const ZCplx *src, ZCplx *dst, int N, int direction, const ZCplx *twiddles,
+                   const std::uint32_t *swapTbl, double scale)
+{
+    if (src == dst)
+        rvxBitRevInPlace(dst, N, swapTbl);
+    else
+        rvxBitRevCopy(src, dst, N, swapTbl);
+    rvxFftDitScaled(dst, N, direction, twiddles, scale);
+}
+
+void rvxrFftNatural(const double *reSrc, const double *imSrc, double *reDst, double *imDst, int N,
+                    int direction, const ZCplx *twiddles, const std::uint32_t *swapTbl,
+                    double scale)
+{
+    rvxBitRevCopyDoubles(reSrc, reDst, N, swapTbl);
+    rvxBitRevCopyDoubles(imSrc, imDst, N, swapTbl);
+    rvxrFftDitScaled(reDst, imDst, N, direction, twiddles, scale);
 }

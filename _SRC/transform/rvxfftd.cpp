@@ -1,0 +1,169 @@
+// rvxfftd: Fourier transforms of power-of-two length, complex and real.
+//
+// Here the complex fronts. A front's steps are the same for all: release, order,
+// tables, warm-up, data, flags, transform.
+
+#include "transform/rvxfftd.h"
+
+#include "frame/rvxcheck.h"
+#include "transform/rvxmisc.h"
+#include "transform/rvxtwd.h"
+#include "vector/rvxarith.h"
+
+RVX_MODULE("rvxfftd")
+
+namespace {
+
+// What a transform runs on.
+struct Tables {
+    const ZCplx *twiddles;
+    const std::uint32_t *swaps;
+};
+
+// Bit-reversed output is a form of its own, with tables of its own, unless the
+// input is bit-reversed too, which is refused later.
+bool isDifForm(int flags)
+{
+    return (flags & (RVX_FFT_IN_BIT_REV | RVX_FFT_OUT_BIT_REV)) == RVX_FFT_OUT_BIT_REV;
+}
+
+void releaseTables(int order, int flags)
+{
+    if (isDifForm(flags))
+        rvxFreeFftTwdDif(order);
+    else
+        rvxFreeFftTwdDit(order);
+    rvxFreeBitRevSwapTbl(order);
+    rvxFreeSmallTable(3);
+}
+
+// A failed first try drops all other tables to make room for the second.
+bool acquireTables(const char *func, int order, int flags, Tables &tables)
+{
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        tables.twiddles = isDifForm(flags) ? rvxGetFftTwdDif(order) : rvxGetFftTwdDit(order);
+        tables.swaps = tables.twiddles != nullptr ? rvxGetBitRevSwapTbl(order) : nullptr;
+        if (tables.swaps != nullptr)
+            return true;
+        rvxFreeFftTables();
+    }
+    RVX_REPORT_AS(func, RVX_STATUS_NO_MEMORY, "No working Twd memory");
+    return false;
+}
+
+// The steps of every front that come before a look at the data; false when they
+// have answered the call.
+bool prepare(const char *func, int order, int flags, Tables &tables)
+{
+    if ((flags & RVX_FFT_FREE_TABLES) != 0) {
+        releaseTables(order, flags);
+        return false;
+    }
+    RVX_REJECT_AS(func, order < 0, "order<0", false);
+    RVX_REJECT_AS(func, order > 31, "order>31", false);
+    return acquireTables(func, order, flags, tables) && (flags & RVX_FFT_INIT_TABLES) == 0;
+}
+
+bool flagsAccepted(const char *func, int flags)
+{
+    RVX_REJECT_AS(func, (flags & 1) && (flags & 2), "(flags & 1) && (flags & 2)", false);
+    RVX_REJECT_AS(func, (flags & 1) == 0 && (flags & 2) == 0, "(flags & 1)==0 && (flags & 2)==0",
+                  false);
+    RVX_REJECT_AS(func, (flags & 64) && (flags & 128), "(flags & 64) && (flags & 128)", false);
+    RVX_REJECT_AS(func, (flags & 64) && (flags & 32), "(flags & 64) && (flags & 32)", false);
+    RVX_REJECT_AS(func, (flags & 32) && (flags & 128), "(flags & 32) && (flags & 128)", false);
+    return true;
+}
+
+int directionOf(int flags)
+{
+    return (flags & RVX_FFT_FORWARD) != 0 ? 1 : -1;
+}
+
+double scaleOf(int order, int flags)
+{
+    const bool scaled = (flags & (RVX_FFT_INVERSE | RVX_FFT_NO_SCALE)) == RVX_FFT_INVERSE;
+    return scaled ? 1.0 / (1 << order) : 1.0;
+}
+
+} // namespace
+
+void rvxzFft(ZCplx *samps, int order, int flags)
+{
+    Tables tables;
+    if (!prepare(__func__, order, flags, tables))
+        return;
+    RVX_REJECT_IF(samps == nullptr, "samps==0");
+    if (!flagsAccepted(__func__, flags) || order == 0)
+        return;
+    const int n = 1 << order;
+    const int direction = directionOf(flags);
+    const double scale = scaleOf(order, flags);
+    if (isDifForm(flags))
+        rvxFftDifScaled(samps, n, direction, tables.twiddles, scale);
+    else if ((flags & RVX_FFT_IN_BIT_REV) != 0)
+        rvxFftDitScaled(samps, n, direction, tables.twiddles, scale);
+    else
+        rvxFftNatural(samps, samps, n, direction, tables.twiddles, tables.swaps, scale);
+}
+
+void rvxzFftNip(const ZCplx *inSamps, ZCplx *outSamps, int order, int flags)
+{
+    Tables tables;
+    if (!prepare(__func__, order, flags, tables))
+        return;
+    RVX_REJECT_IF(inSamps == nullptr, "inSamps==0");
+    RVX_REJECT_IF(outSamps == nullptr, "outSamps==0");
+    if (!flagsAccepted(__func__, flags))
+        return;
+    if (order == 0) {
+        outSamps[0] = inSamps[0];
+        return;
+    }
+    const int n = 1 << order;
+    const int direction = directionOf(flags);
+    const double scale = scaleOf(order, flags);
+    if (isDifForm(flags)) {
+        rvxzbCopy(inSamps, outSamps, n);
+        rvxFftDifScaled(outSamps, n, direction, tables.twiddles, scale);
+    } else if ((flags & RVX_FFT_IN_BIT_REV) != 0) {
+        rvxzbCopy(inSamps, outSamps, n);
+        rvxFftDitScaled(outSamps, n, direction, tables.twiddles, scale);
+    } else {
+        rvxFftNatural(inSamps, outSamps, n, direction, tables.twiddles, tables.swaps, scale);
+    }
+}
+
+void rvxzrFftNip(const double *reInSamps, const double *imInSamps, double *reOutSamps,
+                 double *imOutSamps, int order, int flags)
+{
+    Tables tables;
+    if (!prepare(__func__, order, flags, tables))
+        return;
+    RVX_REJECT_IF(reInSamps == nullptr, "reInSamps==0");
+    RVX_REJECT_IF(imInSamps == nullptr, "imInSamps==0");
+    RVX_REJECT_IF(reOutSamps == nullptr, "reOutSamps==0");
+    RVX_REJECT_IF(imOutSamps == nullptr, "imOutSamps==0");
+    if (!flagsAccepted(__func__, flags))
+        return;
+    if (order == 0) {
+        reOutSamps[0] = reInSamps[0];
+        imOutSamps[0] = imInSamps[0];
+        return;
+    }
+    const int n = 1 << order;
+    const int direction = directionOf(flags);
+    const double scale = scaleOf(order, flags);
+    if (isDifForm(flags)) {
+        rvxdbCopy(reInSamps, reOutSamps, n);
+        rvxdbCopy(imInSamps, imOutSamps, n);
+        rvxrFftDifScaled(reOutSamps, imOutSamps, n, direction, tables.twiddles, scale);
+    } else if ((flags & RVX_FFT_IN_BIT_REV) != 0) {
+        rvxdbCopy(reInSamps, reOutSamps, n);
+        rvxdbCopy(imInSamps, imOutSamps, n);
+        rvxrFftDitScaled(reOutSamps, imOutSamps, n, direction, tables.twiddles, scale);
+    } else {
+        rvxrFftNatural(reInSamps, imInSamps, reOutSamps, imOutSamps, n, direction, tables.twiddles,
+                       tables.swaps, scale);
+    }
+}
