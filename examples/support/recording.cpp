@@ -1,0 +1,95 @@
+#include "recording.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cmath>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <stdexcept>
+
+#include <sndfile.h>
+
+namespace demo {
+namespace {
+
+using SoundFile = std::unique_ptr<SNDFILE, int (*)(SNDFILE *)>;
+
+[[noreturn]] void refuse(const std::string &path, const std::string &reason)
+{
+    throw std::runtime_error(path + ": " + reason);
+}
+
+// What the operating system can say is said in its words; what is left for the
+// sound library is a file of the wrong kind.
+void requireFile(const std::string &path)
+{
+    std::error_code failure;
+    const auto status = std::filesystem::status(path, failure);
+    if (failure)
+        refuse(path, failure.message());
+    if (std::filesystem::is_directory(status))
+        refuse(path, "is a directory, not a WAV file");
+    if (!std::filesystem::is_regular_file(status))
+        refuse(path, "is not a regular file");
+    errno = 0;
+    if (!std::ifstream(path, std::ios::binary))
+        refuse(path, std::strerror(errno));
+    if (std::filesystem::file_size(path) == 0)
+        refuse(path, "is empty");
+}
+
+// The samples that the header announces; 0 when it does not say. The sound library takes a file
+// that was cut short for a shorter one.
+sf_count_t announcedSamples(SNDFILE *file, const SF_INFO &info)
+{
+    SF_CHUNK_INFO chunk{};
+    std::memcpy(chunk.id, "data", 4);
+    chunk.id_size = 4;
+    SF_CHUNK_ITERATOR *found = sf_get_chunk_iterator(file, &chunk);
+    const int bytesPerSample = sf_current_byterate(file) / info.samplerate;
+    if (found == nullptr || sf_get_chunk_size(found, &chunk) != SF_ERR_NO_ERROR ||
+        bytesPerSample <= 0)
+        return 0;
+    return static_cast<sf_count_t>(chunk.datalen) / bytesPerSample;
+}
+
+} // namespace
+
+Recording readRecording(const std::string &path, int atLeast)
+{
+    requireFile(path);
+    SF_INFO info{};
+    const SoundFile file(sf_open(path.c_str(), SFM_READ, &info), sf_close);
+    if (file == nullptr)
+        refuse(path, std::string("is not a WAV file: ") + sf_strerror(nullptr));
+    const int container = info.format & SF_FORMAT_TYPEMASK;
+    if (container != SF_FORMAT_WAV && container != SF_FORMAT_WAVEX)
+        refuse(path, "is not a WAV file but another kind of sound file");
+    if (info.channels != 1)
+        refuse(path, "has " + std::to_string(info.channels) + " channels; one is needed");
+    if (info.frames > INT_MAX / 2)
+        refuse(path, "is too long");
+    const sf_count_t announced = announcedSamples(file.get(), info);
+    if (announced > info.frames)
+        refuse(path, "is cut short: its header announces " + std::to_string(announced) +
+                         " samples, " + std::to_string(info.frames) + " are there");
+    if (info.frames < atLeast)
+        refuse(path, "is too short: it has " + std::to_string(info.frames) + " samples, " +
+                         std::to_string(atLeast) + " are needed");
+
+    Recording recording{std::vector<double>(static_cast<std::size_t>(info.frames)),
+                        static_cast<double>(info.samplerate)};
+    const sf_count_t got = sf_read_double(file.get(), recording.samples.data(), info.frames);
+    if (got != info.frames)
+        refuse(path, "is cut short: " + std::to_string(info.frames) + " samples announced, " +
+                         std::to_string(got) + " could be read");
+    if (!std::all_of(recording.samples.begin(), recording.samples.end(),
+                     [](double x) { return std::isfinite(x); }))
+        refuse(path, "has samples that are infinite or not a number");
+    return recording;
+}
+
+} // namespace demo
