@@ -19,7 +19,7 @@ namespace demo {
 namespace {
 
 // What all pictures have in common.
-constexpr const char *pictureStyle = R"(set encoding utf8
+constexpr const char *pictureStyle = R"(
 set border linecolor rgb '#9aa0a8' linewidth 1
 set tics out nomirror textcolor rgb '#30343a'
 set xlabel textcolor rgb '#30343a'
