@@ -231,6 +231,57 @@ RVX_API void rvxzFftNip(const ZCplx *inSamps, ZCplx *outSamps, int order, int fl
 RVX_API void rvxzrFftNip(const double *reInSamps, const double *imInSamps, double *reOutSamps,
                          double *imOutSamps, int order, int flags);
 
+/* ---------------------------------------------------------------------------
+ * Real Fourier transforms
+ *
+ * N = 2^order real samples x[n] and their spectrum X[k] = R[k] + j I[k], of which
+ * bins 0 to N/2 are kept: X[N-k] is the conjugate of X[k], and I[0] = I[N/2] = 0.
+ *
+ * CCS, N + 2 doubles: R[0], 0, R[1], I[1], ..., R[N/2], 0. Element 2k holds R[k]
+ * and element 2k + 1 holds I[k].
+ *
+ * Flags: one of RVX_FFT_FORWARD, sums with W = exp(-2 pi j k n / N), and
+ * RVX_FFT_INVERSE, sums with its conjugate, times 1/N unless RVX_FFT_NO_SCALE is
+ * set; RVX_FFT_INIT_TABLES and RVX_FFT_FREE_TABLES as for the complex transforms.
+ * Orders and other flag bits have no meaning here. Spectra are always in
+ * natural order. rvxdRealFft with RVX_FFT_FORWARD and rvxdCcsFft with
+ * RVX_FFT_INVERSE undo each other.
+ *
+ * Arrays need no alignment but that of double, and results do not depend on it.
+ * After the first call of an order in a thread no memory is allocated.
+ *
+ * Checks, the same in all four functions: order below 0; order above 31; tables
+ * without memory (RVX_STATUS_NO_MEMORY); then, unless the call only builds
+ * tables, samps (inSamps, outSamps) null; both directions; no direction. A
+ * refused call leaves the data as it was; tables that it built stay. The status
+ * of earlier calls plays no part.
+ *
+ * Method: a complex transform of N/2 points over pairs of samples, and one pass
+ * that splits or joins even and odd samples (E. O. Brigham, The Fast Fourier
+ * Transform, 1974, chapter 10).
+ * ------------------------------------------------------------------------- */
+
+/* X[k] = sum over n of x[n] W^(k n), in CCS. With RVX_FFT_INVERSE the conjugate of
+ * that times 1/N, all N + 2 doubles scaled.
+ *   samps  N + 2 doubles: the samples and two more, then the spectrum */
+RVX_API void rvxdRealFft(double *samps, int order, int flags);
+
+/* The same into another array; the two may not overlap.
+ *   inSamps   N samples, left unchanged
+ *   outSamps  N + 2 doubles */
+RVX_API void rvxdRealFftNip(const double *inSamps, double *outSamps, int order, int flags);
+
+/* x[n] = sum over k of X[k] W^(k n), k from 0 to N-1; with RVX_FFT_INVERSE
+ * x[n] = 1/N sum over k of X[k] W^(-k n). I[0] and I[N/2] are not looked at.
+ *   samps  N + 2 doubles: the spectrum in CCS, then the N samples; the last two
+ *          doubles keep the values that they came with */
+RVX_API void rvxdCcsFft(double *samps, int order, int flags);
+
+/* The same into another array; outSamps may be inSamps.
+ *   inSamps   N + 2 doubles in CCS, left unchanged
+ *   outSamps  N samples */
+RVX_API void rvxdCcsFftNip(const double *inSamps, double *outSamps, int order, int flags);
+
 #ifdef __cplusplus
 }
 #endif

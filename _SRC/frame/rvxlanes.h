@@ -96,4 +96,22 @@ RVX_INLINE Lanes imagParts(Lanes a)
     return {__builtin_shufflevector(a.v, a.v, 1, 1, 3, 3)};
 }
 
+// (a0, b0, a2, b2) and (a1, b1, a3, b3): parts out of pairs of complex values,
+// and back
+RVX_INLINE Lanes evenLanes(Lanes a, Lanes b)
+{
+    return {__builtin_shufflevector(a.v, b.v, 0, 4, 2, 6)};
+}
+
+RVX_INLINE Lanes oddLanes(Lanes a, Lanes b)
+{
+    return {__builtin_shufflevector(a.v, b.v, 1, 5, 3, 7)};
+}
+
+// (a2, a3, a0, a1): the two complex values in the other order
+RVX_INLINE Lanes swapHalves(Lanes a)
+{
+    return {__builtin_shufflevector(a.v, a.v, 2, 3, 0, 1)};
+}
+
 #endif

@@ -40,6 +40,15 @@ void rvxBitRevInPlace(ZCplx *data, int N, const std::uint32_t *swapTbl);
 void rvxBitRevCopy(const ZCplx *src, ZCplx *dst, int N, const std::uint32_t *swapTbl);
 void rvxBitRevCopyDoubles(const double *src, double *dst, int N, const std::uint32_t *swapTbl);
 
+// The passes of the real transforms, h complex elements for 2h real samples; the
+// table is that of the real length (rvxGetRealTwistTbl, rvxGetCcsTwistTbl).
+//
+// Transformed pairs of samples to bins 1..h-1, in place. With direction -1 the
+// results are multiplied by scale.
+void rvxRealFftPost(ZCplx *z, int h, int direction, double scale, const ZCplx *table);
+// Bins 1..h-1 to what rvxFftDit turns into pairs of samples; dst may be src.
+void rvxCcsFftPre(const ZCplx *src, ZCplx *dst, int h, int direction, const ZCplx *table);
+
 // Real transforms with packed spectra, in place, N doubles; RVX_FFT_OUT_RC_PACK
 // or RVX_FFT_OUT_RC_PERM, and RVX_FFT_IN_RC_PACK or RVX_FFT_IN_RC_PERM, name the
 // format.

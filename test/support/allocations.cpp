@@ -57,6 +57,16 @@ AllocationWatch::~AllocationWatch()
     watch.armed = false;
 }
 
+AllocationPause::AllocationPause() : armedBefore(watch.armed)
+{
+    watch.armed = false;
+}
+
+AllocationPause::~AllocationPause()
+{
+    watch.armed = armedBefore;
+}
+
 void AllocationWatch::failAllFrom(long k)
 {
     watch.failAt = k;

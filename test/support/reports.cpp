@@ -1,11 +1,14 @@
 #include "support/reports.h"
 
+#include "support/allocations.h"
+
 namespace {
 
 thread_local std::vector<Report> recorded;
 
 int recordReport(int status, const char *func, const char *context, const char *file, int)
 {
+    const AllocationPause pause;
     recorded.push_back({status, func, context != nullptr ? context : "(null)", file});
     return status;
 }
