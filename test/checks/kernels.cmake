@@ -1,6 +1,6 @@
 # Each kernel's name is used once in the whole library. The function that picks
-# an instruction set is named after its kernel; with one compiler that name is
-# global even where the kernel is not, and of two alike the linker would drop one.
+# an instruction set is named after its kernel, and one compiler makes that name
+# global even where the kernel is not: of two alike the link fails, or one is lost.
 
 cmake_minimum_required(VERSION 3.25)
 

@@ -36,6 +36,7 @@ constexpr int recordsMax = 4096;
 
 std::atomic<void *> records[recordsMax];
 std::atomic<bool> recordsFail{false};
+std::atomic<bool> mallocFails{false};
 
 bool isRecord(std::size_t n, std::size_t bytes)
 {
@@ -65,6 +66,10 @@ void __libc_free(void *);
 
 void *malloc(std::size_t bytes) noexcept
 {
+    if (mallocFails) {
+        errno = ENOMEM;
+        return nullptr;
+    }
     return __libc_malloc(bytes);
 }
 
@@ -124,6 +129,7 @@ public:
         find(getMode, "rvxGetErrMode");
         find(setMode, "rvxSetErrMode");
         find(setBlock, "rvxdbSet");
+        find(transform, "rvxzFft");
     }
     ~Library() { dlclose(handle); }
     Library(const Library &) = delete;
@@ -134,6 +140,7 @@ public:
     int (*getMode)();
     void (*setMode)(int);
     void (*setBlock)(double, double *, int);
+    void (*transform)(ZCplx *, int, int);
 
 private:
     template <typename Function>
@@ -360,6 +367,26 @@ TEST(SharedLibrary, CallFromALaterThreadDestructorGetsANewRecordThatIsFreedToo)
     if (counting) {
         EXPECT_EQ(liveRecords(), before);
     }
+}
+
+TEST(SharedLibrary, ItsAllocationsAreTheProgramsOwnAndMayFail)
+{
+    if (!counting)
+        GTEST_SKIP() << "the sanitizer owns malloc";
+    const Library library;
+    library.setMode(1);
+    constexpr int order = 6;
+    std::vector<ZCplx> samps(1 << order, ZCplx{1.0, 0.0});
+    mallocFails = true;
+    library.transform(samps.data(), order, RVX_FFT_FORWARD);
+    mallocFails = false;
+    EXPECT_EQ(library.getStatus(), RVX_STATUS_NO_MEMORY);
+    EXPECT_EQ(samps[0].re, 1.0);
+    library.setStatus(0);
+    library.transform(samps.data(), order, RVX_FFT_FORWARD);
+    EXPECT_EQ(library.getStatus(), 0);
+    EXPECT_EQ(samps[0].re, 64.0);
+    library.transform(nullptr, order, RVX_FFT_FREE_TABLES);
 }
 
 TEST(SharedLibraryDeathTest, FailedCheckInModeZeroEndsTheProcessByExit)
