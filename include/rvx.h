@@ -282,6 +282,47 @@ RVX_API void rvxdCcsFft(double *samps, int order, int flags);
  *   outSamps  N samples */
 RVX_API void rvxdCcsFftNip(const double *inSamps, double *outSamps, int order, int flags);
 
+/* ---------------------------------------------------------------------------
+ * Windows
+ *
+ * vec[k] = vec[k] * w(k) for 0 <= k < n, in place, with symmetric weights
+ * w(n-1-k) = w(k); the middle element of an odd n has weight 1 and is not
+ * touched. In the formulas x = 2 pi k / (n - 1). The complex forms scale both
+ * parts. For n = 3 the weights of the ends that are 0 are not multiplied: the
+ * two elements are set to 0, infinities and NaNs included.
+ *
+ * The weights come from a recurrence with one cosine per call (Goertzel 1958).
+ * Against the formulas their absolute error grows with n, and is for a Hann
+ * window at most (n n / 86 + 2 n) 2^-53: 5e-14 at n = 128, 2.3e-11 at n = 4096,
+ * 1.3e-6 at a million. That of a Bartlett window is at most (n / 6 + 1) 2^-53.
+ * Checks: vec null; n below 3.
+ * ------------------------------------------------------------------------- */
+
+/* Bartlett: w(k) = 2 k / (n - 1) up to the middle, a triangle from 0. */
+RVX_API void rvxdWinBartlett(double *vec, int n);
+RVX_API void rvxzWinBartlett(ZCplx *vec, int n);
+
+/* Hann: w(k) = 0.5 - 0.5 cos x. */
+RVX_API void rvxdWinHann(double *vec, int n);
+RVX_API void rvxzWinHann(ZCplx *vec, int n);
+
+/* Hamming: w(k) = 0.54 - 0.46 cos x; the ends are exactly 0.08, for n = 3 too. */
+RVX_API void rvxdWinHamming(double *vec, int n);
+RVX_API void rvxzWinHamming(ZCplx *vec, int n);
+
+/* Blackman: w(k) = (alpha + 1) / 2 - 0.5 cos x - (alpha / 2) cos 2x. The usual
+ * Blackman window has alpha = -0.16; alpha = 0 gives the Hann window up to
+ * rounding. alpha is not checked. */
+RVX_API void rvxdWinBlackman(double *vec, int n, double alpha);
+RVX_API void rvxzWinBlackman(ZCplx *vec, int n, double alpha);
+
+/* Blackman with alpha = -(0.5 / cos(pi / (n - 1)))^2, for n = 3 -0.25: the
+ * second weight from either end is 0 too. For long windows alpha is near -1/4,
+ * the weights are near sin(x/2)^4, and sidelobes fall by 30 dB an octave.
+ * A failed check is reported under the name of the Blackman function. */
+RVX_API void rvxdWinBlackmanOpt(double *vec, int n);
+RVX_API void rvxzWinBlackmanOpt(ZCplx *vec, int n);
+
 #ifdef __cplusplus
 }
 #endif

@@ -55,6 +55,11 @@ RVX_INLINE Lanes allLanes(ZCplx z)
     return {RvxVector{z.re, z.im, z.re, z.im}};
 }
 
+RVX_INLINE Lanes lanesOf(double a, double b, double c, double d)
+{
+    return {RvxVector{a, b, c, d}};
+}
+
 RVX_INLINE Lanes operator+(Lanes a, Lanes b)
 {
     return {a.v + b.v};
@@ -112,6 +117,28 @@ RVX_INLINE Lanes oddLanes(Lanes a, Lanes b)
 RVX_INLINE Lanes swapHalves(Lanes a)
 {
     return {__builtin_shufflevector(a.v, a.v, 2, 3, 0, 1)};
+}
+
+RVX_INLINE double firstLane(Lanes a)
+{
+    return a.v[0];
+}
+
+// (3, 2, 1, 0)
+RVX_INLINE Lanes reversed(Lanes a)
+{
+    return {__builtin_shufflevector(a.v, a.v, 3, 2, 1, 0)};
+}
+
+// (0, 0, 1, 1) and (2, 2, 3, 3): a real factor for both parts of complex values
+RVX_INLINE Lanes lowTwice(Lanes a)
+{
+    return {__builtin_shufflevector(a.v, a.v, 0, 0, 1, 1)};
+}
+
+RVX_INLINE Lanes highTwice(Lanes a)
+{
+    return {__builtin_shufflevector(a.v, a.v, 2, 2, 3, 3)};
 }
 
 #endif
