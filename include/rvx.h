@@ -177,6 +177,75 @@ RVX_API void rvxzbMpy2(const ZCplx *src, ZCplx *dst, int n);
 RVX_API void rvxzbMpy3(const ZCplx *srcA, const ZCplx *srcB, ZCplx *dst, int n);
 
 /* ---------------------------------------------------------------------------
+ * Statistics, norms and dot products
+ *
+ * Sums are carried in extended precision or better: a result is either the
+ * correctly rounded one or that of a 64-bit significand throughout, rounded
+ * once at the end.
+ * ------------------------------------------------------------------------- */
+
+/* Sum of srcA[i] * srcB[i] for 0 <= i < len; nothing is conjugated. The forms
+ * take real and real, complex and complex, real and complex, and complex and real
+ * blocks. A len of 0 gives zero.
+ * Checks: srcA null; srcB null; len below 0; the result is then zero. */
+RVX_API double rvxdDotProd(const double *srcA, const double *srcB, int len);
+RVX_API ZCplx rvxzDotProd(const ZCplx *srcA, const ZCplx *srcB, int len);
+RVX_API ZCplx rvxdzDotProd(const double *srcA, const ZCplx *srcB, int len);
+RVX_API ZCplx rvxzdDotProd(const ZCplx *srcA, const double *srcB, int len);
+
+/* The sum of vec[i] for 0 <= i < len, divided by len.
+ * Checks: len below 1; vec null; the result is then 0.0. */
+RVX_API double rvxdMean(const double *vec, int len);
+
+/* The sample standard deviation sqrt(v), by the computational formula
+ * v = (len * sum(vec[i]^2) - sum(vec[i])^2) / (len * (len - 1)), or 0.0 where
+ * rounding makes v negative. The formula loses digits where the mean is large
+ * against the deviation: about twice as many as the mean has more than it.
+ * Checks: len below 1, vec null: 0.0; len of 1: -1.0. */
+RVX_API double rvxdStdDev(const double *vec, int len);
+
+/* The largest, the smallest element by bit pattern, that is in the order negative
+ * NaN, -inf, negative numbers, -0.0, +0.0, positive numbers, +inf, positive NaN
+ * (among NaNs by payload). The result has exactly the element's bits.
+ * Checks: len below 1; vec null; the result is then 0.0. */
+RVX_API double rvxdMax(const double *vec, int len);
+RVX_API double rvxdMin(const double *vec, int len);
+
+/* The largest, the smallest element and its position *index, by comparison of
+ * values: of equal elements, which +0.0 and -0.0 are, the first. rvxdMaxExt passes
+ * over a NaN unless it stands first, when it stays. rvxdMinExt takes a NaN, and
+ * then whatever comes next: so it gives the smallest element behind the last NaN,
+ * or that NaN if it stands last. index may be null: then as rvxdMax, rvxdMin.
+ * Checks: len below 1; vec null; the result is then 0.0 and *index unwritten. */
+RVX_API double rvxdMaxExt(const double *vec, int len, int *index);
+RVX_API double rvxdMinExt(const double *vec, int len, int *index);
+
+/* Flags of the norms: one of C, L1, L2 and L2SQ, and RELATIVE if wanted. */
+enum {
+    RVX_NORM_C = 1,        /* the largest magnitude */
+    RVX_NORM_L1 = 2,       /* the sum of magnitudes */
+    RVX_NORM_L2 = 4,       /* the root of the sum of squared magnitudes */
+    RVX_NORM_RELATIVE = 8, /* divided by the same norm of srcA alone */
+    RVX_NORM_L2SQ = 16     /* the sum of squared magnitudes */
+};
+
+/* The norm of srcA - srcB, or of srcA where srcB is null, over n elements. A
+ * relative norm without srcB is 1.0. A relative norm is 0.0 where the difference's
+ * norm is below the smallest normal number, and the largest finite number where
+ * only that of srcA is; for L2 both are looked at before the root.
+ * RVX_NORM_C passes over NaNs, the others give NaN. Differences and, for
+ * RVX_NORM_C, squared magnitudes are rounded to double.
+ * Checks: n below 1; srcA null; flag; the result is then 0.0. */
+RVX_API double rvxdNorm(const double *srcA, const double *srcB, int n, int flag);
+RVX_API double rvxzNorm(const ZCplx *srcA, const ZCplx *srcB, int n, int flag);
+
+/* dst[i] = (src[i] - offset) * (1 / factor) for 0 <= i < n, with the reciprocal
+ * rounded once; in the complex form part by part. dst may be src.
+ * Checks: n below 1; src null; dst null; factor zero or NaN. */
+RVX_API void rvxdbNormalize(const double *src, double *dst, int n, double offset, double factor);
+RVX_API void rvxzbNormalize(const ZCplx *src, ZCplx *dst, int n, ZCplx offset, double factor);
+
+/* ---------------------------------------------------------------------------
  * Fourier transforms
  *
  * N = 2^order. Flags are or-ed into one word; other bits are ignored.

@@ -141,4 +141,65 @@ RVX_INLINE Lanes highTwice(Lanes a)
     return {__builtin_shufflevector(a.v, a.v, 2, 2, 3, 3)};
 }
 
+RVX_INLINE Lanes maskBits(Lanes a, std::int64_t mask)
+{
+    return {(RvxVector)((RvxBits)a.v & mask)};
+}
+
+// (-a0, a1, -a2, a3)
+RVX_INLINE Lanes negateEven(Lanes a)
+{
+    return {(RvxVector)((RvxBits)a.v ^ RvxBits{INT64_MIN, 0, INT64_MIN, 0})};
+}
+
+RVX_INLINE Lanes absLanes(Lanes a)
+{
+    return maskBits(a, INT64_MAX);
+}
+
+// x where it is strictly above m and m elsewhere, so that a NaN in x is passed
+// over; minLanes likewise. One instruction.
+RVX_INLINE Lanes maxLanes(Lanes m, Lanes x)
+{
+    return {x.v > m.v ? x.v : m.v};
+}
+
+RVX_INLINE Lanes minLanes(Lanes m, Lanes x)
+{
+    return {x.v < m.v ? x.v : m.v};
+}
+
+// 1.0 where x is strictly above m, 0.0 elsewhere.
+RVX_INLINE Lanes oneWhereAbove(Lanes x, Lanes m)
+{
+    const RvxVector one = {1.0, 1.0, 1.0, 1.0};
+    return {(RvxVector)((x.v > m.v) & (RvxBits)one)};
+}
+
+// One truth per lane.
+struct LaneMask {
+    RvxBits b;
+};
+
+RVX_INLINE LaneMask operator|(LaneMask a, LaneMask b)
+{
+    return {a.b | b.b};
+}
+
+// Where one of the two, or both, is a NaN.
+RVX_INLINE LaneMask isUnordered(Lanes a, Lanes b)
+{
+    return {(a.v != a.v) | (b.v != b.v)};
+}
+
+RVX_INLINE LaneMask isEqual(Lanes a, Lanes b)
+{
+    return {a.v == b.v};
+}
+
+RVX_INLINE bool anyLane(LaneMask a)
+{
+    return ((a.b[0] | a.b[1]) | (a.b[2] | a.b[3])) != 0;
+}
+
 #endif
