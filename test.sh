@@ -40,30 +40,31 @@ check() {
     if step "$logs/$name.log" "$@"; then passed=$((passed + 1)); else failed=$((failed + 1)); fi
 }
 
-# build NAME TEXT SOURCE... : configures with these options and builds. A build
-# that fails counts as one failed test.
+# build NAME TARGET TEXT OPTION...: configures with these options and builds. A
+# build that fails counts as one failed test.
 build() {
-    local name=$1 text=$2
-    shift 2
-    if ! step "$logs/$name-build.log" "$text: build" configure_and_build "$name" "$@"; then
+    local name=$1 target=$2 text=$3
+    shift 3
+    if ! step "$logs/$name-build.log" "$text: build" configure_and_build "$name" "$target" "$@"; then
         failed=$((failed + 1))
         return 1
     fi
 }
 
 configure_and_build() {
-    local name=$1
-    shift
-    cmake "$@" -B "build/$name" && cmake --build "build/$name" -j "$jobs"
+    local name=$1 target=$2
+    shift 2
+    cmake "$@" -B "build/$name" && cmake --build "build/$name" --target "$target" -j "$jobs"
 }
 
-# run_tests NAME TEXT: every test of a build.
+# run_tests NAME TEXT [OPTION...]: every test of a build, or those that the options say.
 run_tests() {
     local name=$1 text=$2 report=$PWD/$logs/$1-tests.xml
+    shift 2
     rm -f "$report"
     step "$logs/$name-tests.log" "$text: tests" \
         ctest --test-dir "build/$name" -j "$jobs" --output-on-failure --no-tests=error \
-        --output-junit "$report"
+        --output-junit "$report" "$@"
     local status=$?
     if [ -f "$report" ]; then
         local before=$failed
@@ -75,21 +76,28 @@ run_tests() {
     fi
 }
 
-# build_and_test PRESET TEXT
+# build_and_test PRESET TEXT [OPTION...]
 build_and_test() {
-    build "$1" "$2" --preset "$1" && run_tests "$1" "$2"
+    local name=$1 text=$2
+    shift 2
+    build "$name" all "$text" --preset "$name" "$@" && run_tests "$name" "$text"
 }
 
-build_and_test dev "GCC, optimised"
+# digest PRESET TEXT: that a build gives the same bits as all others.
+digest() {
+    build "$1" rvx_digest "$2" --preset "$1" && run_tests "$1" "$2" -R '^digest$'
+}
+
+build_and_test dev "GCC, optimised" -DRVX_BUILD_EXAMPLES=ON
 build_and_test clang "Clang, optimised"
 if [ -d build/clang ]; then
     check tidy "clang-tidy" cmake --build build/clang --target tidy -j "$jobs"
 fi
-build_and_test plain "GCC, not optimised"
-build_and_test plain-clang "Clang, not optimised"
+digest plain "GCC, not optimised"
+digest plain-clang "Clang, not optimised"
 build_and_test asan "Address and undefined-behaviour sanitizers"
 build_and_test tsan "Thread sanitizer"
-build subproject "Inside a project that asks for fast mathematics" \
+build subproject all "Inside a project that asks for fast mathematics" \
     -S test/consumers/subproject -G Ninja -DCMAKE_BUILD_TYPE=Release -DRVX_SOURCE="$PWD" &&
     run_tests subproject "Inside a project that asks for fast mathematics"
 
