@@ -104,7 +104,7 @@ void rvxzFft(ZCplx *samps, int order, int flags)
     else if ((flags & RVX_FFT_IN_BIT_REV) != 0)
         rvxFftDitScaled(samps, n, direction, tables.twiddles, scale);
     else
-        rvxFftNatural(samps, samps, n, direction, tables.twiddles, tables.swaps, scale);
+        rvxFftNatural(samps, samps, n, direction, tables.twiddles, scale);
 }
 
 void rvxzFftNip(const ZCplx *inSamps, ZCplx *outSamps, int order, int flags)
@@ -130,7 +130,7 @@ void rvxzFftNip(const ZCplx *inSamps, ZCplx *outSamps, int order, int flags)
         rvxzbCopy(inSamps, outSamps, n);
         rvxFftDitScaled(outSamps, n, direction, tables.twiddles, scale);
     } else {
-        rvxFftNatural(inSamps, outSamps, n, direction, tables.twiddles, tables.swaps, scale);
+        rvxFftNatural(inSamps, outSamps, n, direction, tables.twiddles, scale);
     }
 }
 
@@ -164,6 +164,6 @@ void rvxzrFftNip(const double *reInSamps, const double *imInSamps, double *reOut
         rvxrFftDitScaled(reOutSamps, imOutSamps, n, direction, tables.twiddles, scale);
     } else {
         rvxrFftNatural(reInSamps, imInSamps, reOutSamps, imOutSamps, n, direction, tables.twiddles,
-                       tables.swaps, scale);
+                       scale);
     }
 }

@@ -30,10 +30,9 @@ void rvxrFftDifScaled(double *re, double *im, int N, int direction, const ZCplx 
 // Natural order both ways: reversal and Dit in one. N of 2 and more; dst is src or
 // does not overlap it, and in the split form likewise each part. Twiddles as for Dit.
 void rvxFftNatural(const ZCplx *src, ZCplx *dst, int N, int direction, const ZCplx *twiddles,
-                   const std::uint32_t *swapTbl, double scale);
+                   double scale);
 void rvxrFftNatural(const double *reSrc, const double *imSrc, double *reDst, double *imDst, int N,
-                    int direction, const ZCplx *twiddles, const std::uint32_t *swapTbl,
-                    double scale);
+                    int direction, const ZCplx *twiddles, double scale);
 
 // Reversal by the swap list of the order; src and dst are distinct.
 void rvxBitRevInPlace(ZCplx *data, int N, const std::uint32_t *swapTbl);

@@ -1,72 +1,111 @@
-// Natural input to bit-reversed output.
+// Decimation in frequency on interleaved values: natural input to bit-reversed
+// output, the mirror image of decimation in time.
+//
+// Gentleman and Sande, Fast Fourier transforms for fun and profit, 1966.
 
-#include "transform/rvxfftd.h"
-
-#include "vector/rvxarith.h"
+#include "transform/rvxfftd_engines.h"
+#include "transform/rvxfftd_passes.h"
+#include "transform/rvxtwd.h"
 
 namespace {
 
-// W(N,k) for 0 <= k < N/2.
-ZCplx root(const ZCplx *twiddles, int N, int k)
+template <bool inverse>
+RVX_INLINE void difKernel(double *data, int N, int R, const double *factors, double scale)
 {
-    if (k == 0)
-        return {1.0, 0.0};
-    if (k >= N / 4) {
-        const ZCplx w = root(twiddles, N, k - N / 4);
-        return {w.im, -w.re};
+    splitKernel(Interleaved<inverse>{data}, blocked(data), N, R, factors);
+    splitGroups(blocked(data), Interleaved<inverse>{data}, N, R, allLanes(scale));
+}
+
+RVX_KERNEL void difForward(double *data, int N, int R, const double *factors, double scale)
+{
+    difKernel<false>(data, N, R, factors, scale);
+}
+
+RVX_KERNEL void difInverse(double *data, int N, int R, const double *factors, double scale)
+{
+    difKernel<true>(data, N, R, factors, scale);
+}
+
+// The kernel of longer transforms: its input stands in blocks already.
+template <bool inverse>
+RVX_INLINE void difBlock(double *data, const double *factors, double scale)
+{
+    constexpr int N = RVX_KERNEL_LEN;
+    constexpr int R = 8;
+    splitKernel(blocked(data), blocked(data), N, R, factors);
+    splitGroups(blocked(data), Interleaved<inverse>{data}, N, R, allLanes(scale));
+}
+
+RVX_KERNEL void difBlockForward(double *data, const double *factors, double scale)
+{
+    difBlock<false>(data, factors, scale);
+}
+
+RVX_KERNEL void difBlockInverse(double *data, const double *factors, double scale)
+{
+    difBlock<true>(data, factors, scale);
+}
+
+RVX_KERNEL void difSweep(double *data, int P, int depth, const double *factors)
+{
+    splitSweep(blocked(data), blocked(data), P, depth, factors);
+}
+
+RVX_KERNEL void difFirstForward(double *data, int P, int depth, const double *factors)
+{
+    splitSweep(Interleaved<false>{data}, blocked(data), P, depth, factors);
+}
+
+RVX_KERNEL void difFirstInverse(double *data, int P, int depth, const double *factors)
+{
+    splitSweep(Interleaved<true>{data}, blocked(data), P, depth, factors);
+}
+
+struct Runs {
+    double *data;
+    bool inverse;
+    const double *kernelFactors;
+    double scale;
+
+    void firstSweep(const Sweep &s) const
+    {
+        (inverse ? difFirstInverse : difFirstForward)(data, s.P, s.depth, s.factors);
     }
-    return N > 512 ? twiddles[k] : twiddles[2 * (k - 1)];
-}
-
-template <typename At>
-void split(At re, At im, int N, int direction, const ZCplx *twiddles)
-{
-    for (int P = N / 2; P > 0; P /= 2)
-        for (int start = 0; start < N; start += 2 * P)
-            for (int i = 0; i < P; ++i) {
-                const ZCplx w = root(twiddles, N, i * (N / (2 * P)));
-                const double wi = direction < 0 ? -w.im : w.im;
-                const int a = start + i, b = a + P;
-                const double re1 = re(a) - re(b);
-                const double im1 = im(a) - im(b);
-                re(a) += re(b);
-                im(a) += im(b);
-                re(b) = re1 * w.re - im1 * wi;
-                im(b) = re1 * wi + im1 * w.re;
-            }
-}
-
-struct At {
-    double *p;
-    int step;
-    double &operator()(int i) const { return p[i * step]; }
+    void sweep(int start, const Sweep &s) const
+    {
+        difSweep(data + 2 * start, s.P, s.depth, s.factors);
+    }
+    void block(int start) const
+    {
+        (inverse ? difBlockInverse : difBlockForward)(data + 2 * start, kernelFactors, scale);
+    }
 };
 
 } // namespace
 
-void rvxFftDif(ZCplx *data, int N, int direction, const ZCplx *twiddles)
-{
-    split(At{&data->re, 2}, At{&data->im, 2}, N, direction, twiddles);
-}
-
-void rvxrFftDif(double *re, double *im, int N, int direction, const ZCplx *twiddles)
-{
-    split(At{re, 1}, At{im, 1}, N, direction, twiddles);
-}
-
 void rvxFftDifScaled(ZCplx *data, int N, int direction, const ZCplx *twiddles, double scale)
 {
-    rvxFftDif(data, N, direction, twiddles);
-    if (scale != 1.0)
-        rvxdbMpy1(scale, &data->re, 2 * N);
+    double *p = &data->re;
+    const bool inverse = direction < 0;
+    const int order = rvxOrderOf(N);
+    if (N == 1)
+        return;
+    if (N <= 8) {
+        rvxFftShort(p + inverse, p + !inverse, p + inverse, p + !inverse, 2, N, {false, true},
+                    scale);
+        return;
+    }
+    if (N <= RVX_KERNEL_LEN) {
+        (inverse ? difInverse : difForward)(p, N, rvxFirstRadix(order),
+                                            rvxDifFactors(twiddles, order), scale);
+        return;
+    }
+    const ZCplx *kernelTable = rvxGetFftTwdDif(RVX_KERNEL_ORDER);
+    rvxSplitBlocks(Runs{p, inverse, rvxDifFactors(kernelTable, RVX_KERNEL_ORDER), scale}, N,
+                   twiddles);
 }
 
-void rvxrFftDifScaled(double *re, double *im, int N, int direction, const ZCplx *twiddles,
-                      double scale)
+void rvxFftDif(ZCplx *data, int N, int direction, const ZCplx *twiddles)
 {
-    rvxrFftDif(re, im, N, direction, twiddles);
-    if (scale == 1.0)
-        return;
-    rvxdbMpy1(scale, re, N);
-    rvxdbMpy1(scale, im, N);
+    rvxFftDifScaled(data, N, direction, twiddles, 1.0);
 }

@@ -159,8 +159,7 @@ struct RealBins {
 void transformPairs(const double *src, double *dst, double scale, const Plan &plan)
 {
     if (plan.h > 1)
-        rvxFftNatural(pairs(src), pairs(dst), plan.h, plan.direction, plan.twiddles, plan.swaps,
-                      scale);
+        rvxFftNatural(pairs(src), pairs(dst), plan.h, plan.direction, plan.twiddles, scale);
     else
         *pairs(dst) = {src[0] * scale, src[1] * scale};
 }

@@ -13,13 +13,12 @@
 #include "frame/rvxcheck.h"
 #include "frame/rvxkernel.h"
 #include "frame/rvxthread.h"
+#include "transform/rvxfftd_plan.h"
 #include "transform/rvxmisc.h"
 
 RVX_MODULE("rvxtwd")
 
 namespace {
-
-enum { RVX_KERNEL_ORDER = 9, RVX_COARSE_ORDER = 14, RVX_COARSE_LEN = 2048 };
 
 constexpr double RVX_TWO_PI = 6.283185307179586;
 
@@ -61,32 +60,80 @@ struct Circle {
     }
 };
 
-void fillDit(ZCplx *tbl, const Circle &circle, int)
+// W(N, k), W(N, k + step) and so on, four at a time in the order of lanes that
+// the passes use, real parts before imaginary ones.
+double *putFactors(double *p, const Circle &circle, std::int64_t k, std::int64_t step)
 {
-    for (std::int64_t k = 0; k <= circle.quarter; ++k) {
-        *tbl++ = circle.root(k);
-        *tbl++ = circle.root(2 * k);
-        *tbl++ = circle.root(3 * k);
+    const std::int64_t laneElement[] = {0, 2, 1, 3};
+    for (int lane = 0; lane < 4; ++lane) {
+        const ZCplx w = circle.root(k + laneElement[lane] * step);
+        p[lane] = w.re;
+        p[lane + 4] = w.im;
+    }
+    return p + 8;
+}
+
+// The factors of a kernel's radix-4 passes.
+void fillKernelFactors(double *p, const Circle &circle, int order)
+{
+    const std::int64_t n = std::int64_t{1} << order;
+    if (order < 4)
+        return;
+    for (std::int64_t P = rvxFirstRadix(order); P < n; P *= 4) {
+        const std::int64_t step = n / (4 * P);
+        for (std::int64_t i = 0; i < P; i += 4)
+            for (std::int64_t power = 1; power <= 3; ++power)
+                p = putFactors(p, circle, power * i * step, power * step);
     }
 }
 
-void fillDif(ZCplx *tbl, const Circle &circle, int)
+void fillSweepFactors(double *p, const Circle &circle, int order)
 {
-    for (std::int64_t k = 1; k < circle.quarter; ++k) {
-        *tbl++ = circle.root(k);
-        *tbl++ = circle.root(3 * k);
+    const std::int64_t n = std::int64_t{1} << order;
+    int depth;
+    for (int level = RVX_KERNEL_ORDER; level < order; level += depth) {
+        depth = rvxSweepDepth(order, level);
+        const std::int64_t P = std::int64_t{1} << level;
+        for (std::int64_t i = 0; i < P; i += 4) {
+            for (int pass = 1; pass <= depth; ++pass)
+                p = putFactors(p, circle, i * (n >> (level + pass)), n >> (level + pass));
+            if (depth == 3)
+                p = putFactors(p, circle, (i + P) * (n >> (level + 3)), n >> (level + 3));
+        }
     }
+}
+
+void fillDit(ZCplx *tbl, const Circle &circle, int order)
+{
+    ZCplx *entry = tbl;
+    for (std::int64_t k = 0; k <= circle.quarter; ++k) {
+        *entry++ = circle.root(k);
+        *entry++ = circle.root(2 * k);
+        *entry++ = circle.root(3 * k);
+    }
+    fillKernelFactors(&tbl[rvxDitTableLen(order)].re, circle, order);
+}
+
+void fillDif(ZCplx *tbl, const Circle &circle, int order)
+{
+    ZCplx *entry = tbl;
+    for (std::int64_t k = 1; k < circle.quarter; ++k) {
+        *entry++ = circle.root(k);
+        *entry++ = circle.root(3 * k);
+    }
+    fillKernelFactors(&tbl[rvxDifTableLen(order)].re, circle, order);
 }
 
 void fillLarge(ZCplx *tbl, const Circle &circle, int order)
 {
     for (std::int64_t k = 0; k < circle.quarter; ++k)
         tbl[k] = circle.root(k);
-    if (order < RVX_COARSE_ORDER)
-        return;
-    const int stride = 1 << (order - (RVX_COARSE_ORDER - 1));
-    for (std::int64_t k = 0; k < RVX_COARSE_LEN; ++k)
-        tbl[circle.quarter + k] = circle.root(stride * k);
+    if (order > RVX_STRETCH_ORDER) {
+        const int stride = 1 << (order - RVX_STRETCH_ORDER);
+        for (std::int64_t k = 0; k < RVX_COARSE_LEN; ++k)
+            tbl[circle.quarter + k] = circle.root(stride * k);
+    }
+    fillSweepFactors(&tbl[rvxLargeTableLen(order)].re, circle, order);
 }
 
 void fillRealTwist(ZCplx *tbl, const Circle &circle, int)
@@ -103,18 +150,17 @@ void fillCcsTwist(ZCplx *tbl, const Circle &circle, int)
 
 std::uint64_t ditLen(int order)
 {
-    return order < 2 ? 4 : (std::uint64_t{1} << order) + 4;
+    return rvxDitTableLen(order) + rvxKernelFactorsLen(order);
 }
 
 std::uint64_t difLen(int order)
 {
-    return ((std::uint64_t{1} << order) + 1) / 2;
+    return rvxDifTableLen(order) + rvxKernelFactorsLen(order);
 }
 
 std::uint64_t largeLen(int order)
 {
-    const std::uint64_t quarter = (std::uint64_t{1} << order) / 4;
-    return order < RVX_COARSE_ORDER ? quarter : quarter + RVX_COARSE_LEN;
+    return rvxLargeTableLen(order) + rvxSweepFactorsLen(order);
 }
 
 std::uint64_t twistLen(int order)

@@ -1,0 +1,58 @@
+// What the files of rvxfftd share beyond rvxfftd.h.
+
+#ifndef RVXFFTD_ENGINES_H
+#define RVXFFTD_ENGINES_H
+
+#include "transform/rvxfftd.h"
+#include "transform/rvxfftd_plan.h"
+
+inline int rvxOrderOf(int N)
+{
+    return __builtin_ctz(static_cast<unsigned>(N));
+}
+
+// Transforms of 2, 4 and 8 points in memory where consecutive values lie `step`
+// doubles apart. The inverse is the forward transform with the roles of re and im
+// exchanged; the source may be the destination.
+struct ShortForm {
+    bool reversedInput;
+    bool reversedOutput;
+};
+
+void rvxFftShort(const double *reSrc, const double *imSrc, double *reDst, double *imDst, int step,
+                 int N, ShortForm form, double scale);
+
+// Joins kernels of 512 points, finished one after the other, as soon as all that a
+// sweep needs is there: short transforms are joined while they are in the cache.
+// Runs.block(start) makes a kernel, Runs.sweep(start, sweep) joins, and
+// Runs.lastSweep(sweep) makes the result.
+template <typename Runs>
+void rvxMergeBlocks(Runs runs, int N, const ZCplx *largeTable)
+{
+    Sweep sweeps[RVX_MAX_SWEEPS];
+    const int count = rvxPlanSweeps(rvxOrderOf(N), largeTable, sweeps);
+    for (int start = 0; start < N; start += RVX_KERNEL_LEN) {
+        runs.block(start);
+        const int end = start + RVX_KERNEL_LEN;
+        for (int s = 0; s < count - 1 && end % sweeps[s].len() == 0; ++s)
+            runs.sweep(end - sweeps[s].len(), sweeps[s]);
+    }
+    runs.lastSweep(sweeps[count - 1]);
+}
+
+// The mirror image.
+template <typename Runs>
+void rvxSplitBlocks(Runs runs, int N, const ZCplx *largeTable)
+{
+    Sweep sweeps[RVX_MAX_SWEEPS];
+    const int count = rvxPlanSweeps(rvxOrderOf(N), largeTable, sweeps);
+    runs.firstSweep(sweeps[count - 1]);
+    for (int start = 0; start < N; start += RVX_KERNEL_LEN) {
+        for (int s = count - 2; s >= 0; --s)
+            if (start % sweeps[s].len() == 0)
+                runs.sweep(start, sweeps[s]);
+        runs.block(start);
+    }
+}
+
+#endif

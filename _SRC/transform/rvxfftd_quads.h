@@ -1,0 +1,220 @@
+// Four complex values side by side, where they stand in memory, and the
+// butterflies on them.
+//
+// Between passes the real and the imaginary parts of four consecutive elements
+// stand in a register each, so that a twiddle product or a quarter turn moves
+// nothing between lanes. The lanes hold the elements in the order 0, 2, 1, 3,
+// which is how the cheapest instructions take interleaved values apart and put
+// them together again.
+
+#ifndef RVXFFTD_QUADS_H
+#define RVXFFTD_QUADS_H
+
+#include <utility>
+
+#include "frame/rvxlanes.h"
+
+struct Quad {
+    Lanes re;
+    Lanes im;
+};
+
+RVX_INLINE Quad operator+(Quad a, Quad b)
+{
+    return {a.re + b.re, a.im + b.im};
+}
+
+RVX_INLINE Quad operator-(Quad a, Quad b)
+{
+    return {a.re - b.re, a.im - b.im};
+}
+
+RVX_INLINE Quad operator*(Quad a, Quad w)
+{
+    return {a.re * w.re - a.im * w.im, a.re * w.im + a.im * w.re};
+}
+
+RVX_INLINE Quad operator*(Quad a, Lanes s)
+{
+    return {a.re * s, a.im * s};
+}
+
+// a and b become a + b and a - b.
+RVX_INLINE void sumDiff(Quad &a, Quad &b)
+{
+    const Quad sum = a + b;
+    b = a - b;
+    a = sum;
+}
+
+// a and b become a - jb and a + jb.
+RVX_INLINE void sumDiffTurned(Quad &a, Quad &b)
+{
+    const Quad minus{a.re + b.im, a.im - b.re};
+    b = {a.re - b.im, a.im + b.re};
+    a = minus;
+}
+
+// a and b become a + b and -j(a - b).
+RVX_INLINE void sumTurnedDiff(Quad &a, Quad &b)
+{
+    const Quad sum = a + b;
+    b = {a.im - b.im, b.re - a.re};
+    a = sum;
+}
+
+// The transform of four elements in natural order.
+RVX_INLINE void transform4(Quad &a, Quad &b, Quad &c, Quad &d)
+{
+    sumDiff(a, c);
+    sumDiff(b, d);
+    sumDiff(a, b);
+    sumDiffTurned(c, d);
+    std::swap(b, c);
+}
+
+// From the transforms of the even elements, x[0] to x[3], and of the odd ones,
+// x[4] to x[7], to the transform of all eight. The odd factors (1 -+ j) / sqrt(2)
+// cost two additions and two products each.
+RVX_INLINE void merge8(Quad *x)
+{
+    const Lanes half = allLanes(0.70710678118654752440);
+    x[5] = Quad{x[5].re + x[5].im, x[5].im - x[5].re} * half;
+    x[7] = Quad{x[7].im - x[7].re, x[7].re + x[7].im} * half;
+    sumDiff(x[0], x[4]);
+    sumDiff(x[1], x[5]);
+    sumDiffTurned(x[2], x[6]);
+    const Quad sum{x[3].re + x[7].re, x[3].im - x[7].im};
+    x[7] = {x[3].re - x[7].re, x[3].im + x[7].im};
+    x[3] = sum;
+}
+
+// The mirror image: eight elements in natural order to what the transforms of
+// the even results, x[0] to x[3], and of the odd ones, x[4] to x[7], start from.
+RVX_INLINE void split8(Quad *x)
+{
+    const Lanes half = allLanes(0.70710678118654752440);
+    sumDiff(x[0], x[4]);
+    sumDiff(x[1], x[5]);
+    sumTurnedDiff(x[2], x[6]);
+    sumTurnedDiff(x[3], x[7]);
+    x[5] = Quad{x[5].re + x[5].im, x[5].im - x[5].re} * half;
+    x[7] = Quad{x[7].re + x[7].im, x[7].im - x[7].re} * half;
+}
+
+RVX_INLINE Lanes lowHalves(Lanes a, Lanes b)
+{
+    return {__builtin_shufflevector(a.v, b.v, 0, 1, 4, 5)};
+}
+
+RVX_INLINE Lanes highHalves(Lanes a, Lanes b)
+{
+    return {__builtin_shufflevector(a.v, b.v, 2, 3, 6, 7)};
+}
+
+RVX_INLINE Lanes swapMiddle(Lanes a)
+{
+    return {__builtin_shufflevector(a.v, a.v, 0, 2, 1, 3)};
+}
+
+// Lane l of each of the four, in the order of a quad, becomes register l.
+RVX_INLINE void transpose(Lanes &a, Lanes &b, Lanes &c, Lanes &d)
+{
+    const Lanes evenAC = evenLanes(a, c);
+    const Lanes oddAC = oddLanes(a, c);
+    const Lanes evenBD = evenLanes(b, d);
+    const Lanes oddBD = oddLanes(b, d);
+    a = lowHalves(evenAC, evenBD);
+    b = lowHalves(oddAC, oddBD);
+    c = highHalves(evenAC, evenBD);
+    d = highHalves(oddAC, oddBD);
+}
+
+RVX_INLINE void transpose(Quad &a, Quad &b, Quad &c, Quad &d)
+{
+    transpose(a.re, b.re, c.re, d.re);
+    transpose(a.im, b.im, c.im, d.im);
+}
+
+// Loads exactly once. From a plain load the compiler makes one per use, and the
+// passes have no load to spare.
+RVX_INLINE Lanes loadOnce(const double *p)
+{
+    return {*reinterpret_cast<const volatile RvxVectorMem *>(p)};
+}
+
+// Where elements stand. i is a multiple of 4.
+
+// Quads between passes: real and imaginary parts in blocks of four by turns, in
+// the memory of interleaved values (step 2), or in arrays of their own (step 1).
+template <int step>
+struct Quads {
+    double *re;
+    double *im;
+
+    RVX_INLINE Quad load(int i) const { return {loadOnce(re + step * i), loadOnce(im + step * i)}; }
+    RVX_INLINE void store(int i, Quad a) const
+    {
+        storeLanes(re + step * i, a.re);
+        storeLanes(im + step * i, a.im);
+    }
+};
+
+using BlockedQuads = Quads<2>;
+using SplitQuads = Quads<1>;
+
+RVX_INLINE BlockedQuads blocked(double *p)
+{
+    return {p, p + 4};
+}
+
+// Interleaved values. The inverse transform is the forward one with real and
+// imaginary parts exchanged on the way in and on the way out.
+template <bool inverse>
+struct Interleaved {
+    double *p;
+
+    RVX_INLINE Quad load(int i) const
+    {
+        const Lanes low = loadOnce(p + 2 * i);
+        const Lanes high = loadOnce(p + 2 * i + 4);
+        const Quad a{evenLanes(low, high), oddLanes(low, high)};
+        return inverse ? Quad{a.im, a.re} : a;
+    }
+    RVX_INLINE void store(int i, Quad a) const
+    {
+        const Quad b = inverse ? Quad{a.im, a.re} : a;
+        storeLanes(p + 2 * i, evenLanes(b.re, b.im));
+        storeLanes(p + 2 * i + 4, oddLanes(b.re, b.im));
+    }
+    // Where what follows or goes before is a transposition, any order of lanes
+    // is as good: this one is free.
+    RVX_INLINE Quad loadFree(int i) const { return load(i); }
+    RVX_INLINE void storeFree(int i, Quad a) const { store(i, a); }
+    static constexpr bool freeOrderIsNatural = false;
+};
+
+// Arrays of real and of imaginary parts in natural order.
+struct Separate {
+    double *re;
+    double *im;
+
+    RVX_INLINE Quad load(int i) const
+    {
+        return {swapMiddle(loadOnce(re + i)), swapMiddle(loadOnce(im + i))};
+    }
+    RVX_INLINE void store(int i, Quad a) const
+    {
+        storeLanes(re + i, swapMiddle(a.re));
+        storeLanes(im + i, swapMiddle(a.im));
+    }
+    RVX_INLINE Quad loadFree(int i) const { return {loadOnce(re + i), loadOnce(im + i)}; }
+    RVX_INLINE void storeFree(int i, Quad a) const
+    {
+        storeLanes(re + i, a.re);
+        storeLanes(im + i, a.im);
+    }
+    static constexpr bool freeOrderIsNatural = true;
+};
+
+#endif
