@@ -44,6 +44,12 @@ RVX_INLINE void storeLanes(ZCplx *p, Lanes a)
     *reinterpret_cast<RvxVectorMem *>(p) = a.v;
 }
 
+// The first complex value alone.
+RVX_INLINE void storeFirst(ZCplx *p, Lanes a)
+{
+    *p = {a.v[0], a.v[1]};
+}
+
 RVX_INLINE Lanes allLanes(double x)
 {
     return {RvxVector{x, x, x, x}};
@@ -58,6 +64,11 @@ RVX_INLINE Lanes allLanes(ZCplx z)
 RVX_INLINE Lanes lanesOf(double a, double b, double c, double d)
 {
     return {RvxVector{a, b, c, d}};
+}
+
+RVX_INLINE Lanes pairLanes(ZCplx first, ZCplx second)
+{
+    return {RvxVector{first.re, first.im, second.re, second.im}};
 }
 
 RVX_INLINE Lanes operator+(Lanes a, Lanes b)
@@ -111,6 +122,12 @@ RVX_INLINE Lanes evenLanes(Lanes a, Lanes b)
 RVX_INLINE Lanes oddLanes(Lanes a, Lanes b)
 {
     return {__builtin_shufflevector(a.v, b.v, 1, 5, 3, 7)};
+}
+
+// (a0, a1, b2, b3): the first complex value of a and the second of b
+RVX_INLINE Lanes outerHalves(Lanes a, Lanes b)
+{
+    return {__builtin_shufflevector(a.v, b.v, 0, 1, 6, 7)};
 }
 
 // (a2, a3, a0, a1): the two complex values in the other order

@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "frame/rvxcheck.h"
+#include "frame/rvxthread.h"
 #include "transform/rvxfftd.h"
 #include "transform/rvxmisc.h"
 #include "transform/rvxtwd.h"
@@ -18,12 +19,15 @@ namespace {
 
 // The table of the pass that makes the transform a real one.
 struct Twist {
+    ZCplx *(rvxThreadContext::*slots)[RVX_ORDERS];
     const ZCplx *(*get)(int order);
     void (*release)(int order);
 };
 
-constexpr Twist RVX_REAL_TWIST = {rvxGetRealTwistTbl, rvxFreeRealTwistTbl};
-constexpr Twist RVX_CCS_TWIST = {rvxGetCcsTwistTbl, rvxFreeCcsTwistTbl};
+constexpr Twist RVX_REAL_TWIST = {&rvxThreadContext::realFftTableA, rvxGetRealTwistTbl,
+                                  rvxFreeRealTwistTbl};
+constexpr Twist RVX_CCS_TWIST = {&rvxThreadContext::realFftTableB, rvxGetCcsTwistTbl,
+                                 rvxFreeCcsTwistTbl};
 
 // The flags that name a packed format, of which the internal fronts need one.
 struct Formats {
@@ -79,7 +83,17 @@ void releaseTables(const Front &front, int order)
     rvxFreeSmallTable(3);
 }
 
-bool findTables(const Front &front, int order, Plan *plan)
+// Short transforms feel the calls of the getters: what is cached is read directly.
+bool haveTables(const Front &front, int order, Plan *plan)
+{
+    const rvxThreadContext *context = rvxGetThreadContext();
+    plan->twiddles = context->fftTableB[order - 1];
+    plan->twist = (context->*front.twist.slots)[order];
+    plan->swaps = context->shortBitRevTable[order - 1];
+    return plan->twiddles != nullptr && plan->twist != nullptr && plan->swaps != nullptr;
+}
+
+bool buildTables(const Front &front, int order, Plan *plan)
 {
     plan->twiddles = rvxGetFftTwdDit(order - 1);
     if (plan->twiddles == nullptr)
@@ -94,8 +108,10 @@ bool findTables(const Front &front, int order, Plan *plan)
 // The first failure drops the thread's other tables to make room.
 bool acquireTables(const Front &front, int order, Plan *plan)
 {
+    if (haveTables(front, order, plan))
+        return true;
     for (int attempt = 1; attempt <= 2; ++attempt) {
-        if (findTables(front, order, plan))
+        if (buildTables(front, order, plan))
             return true;
         rvxFreeFftTables();
     }

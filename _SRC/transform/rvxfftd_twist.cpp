@@ -29,34 +29,21 @@ RVX_INLINE Parts<double> partsOf(ZCplx z)
     return {z.re, z.im};
 }
 
-// Four neighbours. The lanes hold them in the order 0, 2, 1, 3, which costs one
-// shuffle less per part than their own; joinParts turns it back.
+// Four values. The lanes hold them in the order 0, 2, 1, 3, which costs one
+// shuffle less per part than their own; first and second turn it back.
 RVX_INLINE Parts<Lanes> splitParts(Lanes z01, Lanes z23)
 {
     return {evenLanes(z01, z23), oddLanes(z01, z23)};
 }
 
-RVX_INLINE Parts<Lanes> loadUpward(const ZCplx *z)
+RVX_INLINE Lanes firstTwo(Parts<Lanes> a)
 {
-    return splitParts(loadLanes(z), loadLanes(z + 2));
+    return evenLanes(a.re, a.im);
 }
 
-// z[0], z[-1], z[-2], z[-3]
-RVX_INLINE Parts<Lanes> loadDownward(const ZCplx *z)
+RVX_INLINE Lanes lastTwo(Parts<Lanes> a)
 {
-    return splitParts(swapHalves(loadLanes(z - 1)), swapHalves(loadLanes(z - 3)));
-}
-
-RVX_INLINE void storeUpward(ZCplx *z, Parts<Lanes> a)
-{
-    storeLanes(z, evenLanes(a.re, a.im));
-    storeLanes(z + 2, oddLanes(a.re, a.im));
-}
-
-RVX_INLINE void storeDownward(ZCplx *z, Parts<Lanes> a)
-{
-    storeLanes(z - 1, swapHalves(evenLanes(a.re, a.im)));
-    storeLanes(z - 3, swapHalves(oddLanes(a.re, a.im)));
+    return oddLanes(a.re, a.im);
 }
 
 RVX_INLINE double spread(double x, double)
@@ -82,6 +69,7 @@ struct RealPostForward {
         const Real q = t.im * sum - t.re * difference;
         return {{b.re + p, q - b.im}, {a.re - p, q - a.im}};
     }
+    static RVX_INLINE ZCplx middle(ZCplx z, double) { return {z.re, -z.im}; }
 };
 
 struct RealPostInverse {
@@ -96,6 +84,7 @@ struct RealPostInverse {
         const Real s = spread(scale, p);
         return {{(a.re + p) * s, (a.im - q) * s}, {(b.re - p) * s, (b.im - q) * s}};
     }
+    static RVX_INLINE ZCplx middle(ZCplx z, double scale) { return {z.re * scale, z.im * scale}; }
 };
 
 // From the spectrum, a at k and b at h-k, to what the complex transform turns
@@ -108,6 +97,7 @@ struct CcsPreForward {
         const Real g = t.re * (a.re - b.re) - t.im * (a.im + b.im);
         return {{a.re + b.re - f, g + (a.im - b.im)}, {a.re + b.re + f, g - (a.im - b.im)}};
     }
+    static RVX_INLINE ZCplx middle(ZCplx z, double) { return {2.0 * z.re, 2.0 * z.im}; }
 };
 
 struct CcsPreInverse {
@@ -118,25 +108,62 @@ struct CcsPreInverse {
         const Real e = t.im * (a.im + b.im) + t.re * (a.re - b.re);
         return {{a.re + b.re + d, e + (a.im - b.im)}, {a.re + b.re - d, e - (a.im - b.im)}};
     }
+    static RVX_INLINE ZCplx middle(ZCplx z, double) { return {2.0 * z.re, -2.0 * z.im}; }
 };
 
-// The step for k from 1 to h/2 - 1; dst may be src.
+// The step at all bins from 1 to h-1, for h of 8 and more; dst may be src.
+//
+// Loads and stores are pairs that begin at an even bin, from both ends: so the
+// transform's stores, which may still be under way, are met whole, and what
+// follows meets these. Blocks of four begin at bin 2; bins 1, h/2-2 and h/2-1 are
+// a block of their own, whose fourth lane has no work.
+template <typename Step>
+RVX_INLINE void overMirroredBlocks(const ZCplx *src, ZCplx *dst, int h, double scale,
+                                   const ZCplx *table)
+{
+    const int half = h / 2;
+    const Lanes middle = allLanes(Step::middle(src[half], scale));
+    const Mirrored<Lanes> odd =
+        Step::apply(splitParts(loadLanes(src + half - 2), allLanes(src[1])),
+                    splitParts(pairLanes(src[half + 2], src[half + 1]), allLanes(src[h - 1])),
+                    splitParts(loadLanes(table + half - 2), allLanes(table[1])), scale);
+
+    Lanes above = loadLanes(src + h - 2);
+    Lanes pending = lastTwo(odd.high); // its second half is the result above the next ones
+    for (int k = 2; k < half - 2; k += 4) {
+        const ZCplx *mirror = src + h - k;
+        const Lanes between = loadLanes(mirror - 2);
+        const Lanes below = loadLanes(mirror - 4);
+        const Mirrored<Lanes> bins =
+            Step::apply(splitParts(loadLanes(src + k), loadLanes(src + k + 2)),
+                        splitParts(outerHalves(above, between), outerHalves(between, below)),
+                        splitParts(loadLanes(table + k), loadLanes(table + k + 2)), scale);
+        above = below;
+        storeLanes(dst + k, firstTwo(bins.low));
+        storeLanes(dst + k + 2, lastTwo(bins.low));
+        storeLanes(dst + h - k, outerHalves(firstTwo(bins.high), pending));
+        pending = lastTwo(bins.high);
+        storeLanes(dst + h - k - 2, outerHalves(pending, firstTwo(bins.high)));
+    }
+    storeFirst(dst + 1, lastTwo(odd.low));
+    storeLanes(dst + half - 2, firstTwo(odd.low));
+    storeLanes(dst + half, outerHalves(middle, firstTwo(odd.high)));
+    storeLanes(dst + half + 2, outerHalves(firstTwo(odd.high), pending));
+}
+
+// The same for h of 2 and more.
 template <typename Step>
 RVX_INLINE void overMirroredBins(const ZCplx *src, ZCplx *dst, int h, double scale,
                                  const ZCplx *table)
 {
-    int k = 1;
-    for (; k + 4 <= h / 2; k += 4) {
-        const Mirrored<Lanes> bins = Step::apply(loadUpward(src + k), loadDownward(src + h - k),
-                                                 loadUpward(table + k), scale);
-        storeUpward(dst + k, bins.low);
-        storeDownward(dst + h - k, bins.high);
-    }
-    for (; k < h / 2; ++k) {
+    if (h >= 8)
+        return overMirroredBlocks<Step>(src, dst, h, scale, table);
+    dst[h / 2] = Step::middle(src[h / 2], scale);
+    if (h == 4) {
         const Mirrored<double> bins =
-            Step::apply(partsOf(src[k]), partsOf(src[h - k]), partsOf(table[k]), scale);
-        dst[k] = {bins.low.re, bins.low.im};
-        dst[h - k] = {bins.high.re, bins.high.im};
+            Step::apply(partsOf(src[1]), partsOf(src[3]), partsOf(table[1]), scale);
+        dst[1] = {bins.low.re, bins.low.im};
+        dst[3] = {bins.high.re, bins.high.im};
     }
 }
 
@@ -166,26 +193,18 @@ void rvxRealFftPost(ZCplx *z, int h, int direction, double scale, const ZCplx *t
 {
     if (h == 1)
         return;
-    ZCplx &middle = z[h / 2];
-    if (direction > 0) {
+    if (direction > 0)
         realPostForward(z, h, table);
-        middle.im = -middle.im;
-    } else {
+    else
         realPostInverse(z, h, scale, table);
-        middle = {middle.re * scale, middle.im * scale};
-    }
 }
 
 void rvxCcsFftPre(const ZCplx *src, ZCplx *dst, int h, int direction, const ZCplx *table)
 {
     if (h == 1)
         return;
-    const ZCplx middle = src[h / 2];
-    if (direction > 0) {
+    if (direction > 0)
         ccsPreForward(src, dst, h, table);
-        dst[h / 2] = {2.0 * middle.re, 2.0 * middle.im};
-    } else {
+    else
         ccsPreInverse(src, dst, h, table);
-        dst[h / 2] = {2.0 * middle.re, -2.0 * middle.im};
-    }
 }
