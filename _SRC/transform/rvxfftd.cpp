@@ -6,6 +6,8 @@
 #include "transform/rvxfftd.h"
 
 #include "frame/rvxcheck.h"
+#include "frame/rvxthread.h"
+#include "transform/rvxfftd_plan.h"
 #include "transform/rvxmisc.h"
 #include "transform/rvxtwd.h"
 #include "vector/rvxarith.h"
@@ -13,12 +15,6 @@
 RVX_MODULE("rvxfftd")
 
 namespace {
-
-// What a transform runs on.
-struct Tables {
-    const ZCplx *twiddles;
-    const std::uint32_t *swaps;
-};
 
 // Bit-reversed output is a form of its own, with tables of its own, unless the
 // input is bit-reversed too, which is refused later.
@@ -37,31 +33,47 @@ void releaseTables(int order, int flags)
     rvxFreeSmallTable(3);
 }
 
-// A failed first try drops all other tables to make room for the second.
-bool acquireTables(const char *func, int order, int flags, Tables &tables)
+// The twiddles if all tables of the transform are there; short transforms are
+// over in the time that the getters take.
+const ZCplx *cachedTables(int order, bool dif)
+{
+    const rvxThreadContext *context = rvxGetThreadContext();
+    ZCplx *const *kernelTables = dif ? context->fftTableC : context->fftTableB;
+    if (context->shortBitRevTable[order] == nullptr)
+        return nullptr;
+    if (order <= RVX_KERNEL_ORDER)
+        return kernelTables[order];
+    return kernelTables[RVX_KERNEL_ORDER] != nullptr ? context->fftTableA[order] : nullptr;
+}
+
+// A failed first try drops all other tables to make room for the second. Gives
+// the twiddles.
+const ZCplx *buildTables(const char *func, int order, bool dif)
 {
     for (int attempt = 0; attempt < 2; ++attempt) {
-        tables.twiddles = isDifForm(flags) ? rvxGetFftTwdDif(order) : rvxGetFftTwdDit(order);
-        tables.swaps = tables.twiddles != nullptr ? rvxGetBitRevSwapTbl(order) : nullptr;
-        if (tables.swaps != nullptr)
-            return true;
+        const ZCplx *twiddles = dif ? rvxGetFftTwdDif(order) : rvxGetFftTwdDit(order);
+        if (twiddles != nullptr && rvxGetBitRevSwapTbl(order) != nullptr)
+            return twiddles;
         rvxFreeFftTables();
     }
     RVX_REPORT_AS(func, RVX_STATUS_NO_MEMORY, "No working Twd memory");
-    return false;
+    return nullptr;
 }
 
-// The steps of every front that come before a look at the data; false when they
-// have answered the call.
-bool prepare(const char *func, int order, int flags, Tables &tables)
+// The steps of every front that come before a look at the data; null when they
+// have answered the call, and otherwise the twiddles.
+const ZCplx *prepare(const char *func, int order, int flags)
 {
     if ((flags & RVX_FFT_FREE_TABLES) != 0) {
         releaseTables(order, flags);
-        return false;
+        return nullptr;
     }
-    RVX_REJECT_AS(func, order < 0, "order<0", false);
-    RVX_REJECT_AS(func, order > 31, "order>31", false);
-    return acquireTables(func, order, flags, tables) && (flags & RVX_FFT_INIT_TABLES) == 0;
+    RVX_REJECT_AS(func, order < 0, "order<0", nullptr);
+    RVX_REJECT_AS(func, order > 31, "order>31", nullptr);
+    const ZCplx *twiddles = cachedTables(order, isDifForm(flags));
+    if (twiddles == nullptr)
+        twiddles = buildTables(func, order, isDifForm(flags));
+    return (flags & RVX_FFT_INIT_TABLES) == 0 ? twiddles : nullptr;
 }
 
 bool flagsAccepted(const char *func, int flags)
@@ -90,8 +102,8 @@ double scaleOf(int order, int flags)
 
 void rvxzFft(ZCplx *samps, int order, int flags)
 {
-    Tables tables;
-    if (!prepare(__func__, order, flags, tables))
+    const ZCplx *twiddles = prepare(__func__, order, flags);
+    if (twiddles == nullptr)
         return;
     RVX_REJECT_IF(samps == nullptr, "samps==0");
     if (!flagsAccepted(__func__, flags) || order == 0)
@@ -100,17 +112,17 @@ void rvxzFft(ZCplx *samps, int order, int flags)
     const int direction = directionOf(flags);
     const double scale = scaleOf(order, flags);
     if (isDifForm(flags))
-        rvxFftDifScaled(samps, n, direction, tables.twiddles, scale);
+        rvxFftDifScaled(samps, n, direction, twiddles, scale);
     else if ((flags & RVX_FFT_IN_BIT_REV) != 0)
-        rvxFftDitScaled(samps, n, direction, tables.twiddles, scale);
+        rvxFftDitScaled(samps, n, direction, twiddles, scale);
     else
-        rvxFftNatural(samps, samps, n, direction, tables.twiddles, scale);
+        rvxFftNatural(samps, samps, n, direction, twiddles, scale);
 }
 
 void rvxzFftNip(const ZCplx *inSamps, ZCplx *outSamps, int order, int flags)
 {
-    Tables tables;
-    if (!prepare(__func__, order, flags, tables))
+    const ZCplx *twiddles = prepare(__func__, order, flags);
+    if (twiddles == nullptr)
         return;
     RVX_REJECT_IF(inSamps == nullptr, "inSamps==0");
     RVX_REJECT_IF(outSamps == nullptr, "outSamps==0");
@@ -125,20 +137,20 @@ void rvxzFftNip(const ZCplx *inSamps, ZCplx *outSamps, int order, int flags)
     const double scale = scaleOf(order, flags);
     if (isDifForm(flags)) {
         rvxzbCopy(inSamps, outSamps, n);
-        rvxFftDifScaled(outSamps, n, direction, tables.twiddles, scale);
+        rvxFftDifScaled(outSamps, n, direction, twiddles, scale);
     } else if ((flags & RVX_FFT_IN_BIT_REV) != 0) {
         rvxzbCopy(inSamps, outSamps, n);
-        rvxFftDitScaled(outSamps, n, direction, tables.twiddles, scale);
+        rvxFftDitScaled(outSamps, n, direction, twiddles, scale);
     } else {
-        rvxFftNatural(inSamps, outSamps, n, direction, tables.twiddles, scale);
+        rvxFftNatural(inSamps, outSamps, n, direction, twiddles, scale);
     }
 }
 
 void rvxzrFftNip(const double *reInSamps, const double *imInSamps, double *reOutSamps,
                  double *imOutSamps, int order, int flags)
 {
-    Tables tables;
-    if (!prepare(__func__, order, flags, tables))
+    const ZCplx *twiddles = prepare(__func__, order, flags);
+    if (twiddles == nullptr)
         return;
     RVX_REJECT_IF(reInSamps == nullptr, "reInSamps==0");
     RVX_REJECT_IF(imInSamps == nullptr, "imInSamps==0");
@@ -157,13 +169,12 @@ void rvxzrFftNip(const double *reInSamps, const double *imInSamps, double *reOut
     if (isDifForm(flags)) {
         rvxdbCopy(reInSamps, reOutSamps, n);
         rvxdbCopy(imInSamps, imOutSamps, n);
-        rvxrFftDifScaled(reOutSamps, imOutSamps, n, direction, tables.twiddles, scale);
+        rvxrFftDifScaled(reOutSamps, imOutSamps, n, direction, twiddles, scale);
     } else if ((flags & RVX_FFT_IN_BIT_REV) != 0) {
         rvxdbCopy(reInSamps, reOutSamps, n);
         rvxdbCopy(imInSamps, imOutSamps, n);
-        rvxrFftDitScaled(reOutSamps, imOutSamps, n, direction, tables.twiddles, scale);
+        rvxrFftDitScaled(reOutSamps, imOutSamps, n, direction, twiddles, scale);
     } else {
-        rvxrFftNatural(reInSamps, imInSamps, reOutSamps, imOutSamps, n, direction, tables.twiddles,
-                       scale);
+        rvxrFftNatural(reInSamps, imInSamps, reOutSamps, imOutSamps, n, direction, twiddles, scale);
     }
 }

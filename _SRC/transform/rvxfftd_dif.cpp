@@ -91,8 +91,7 @@ void rvxFftDifScaled(ZCplx *data, int N, int direction, const ZCplx *twiddles, d
     if (N == 1)
         return;
     if (N <= 8) {
-        rvxFftShort(p + inverse, p + !inverse, p + inverse, p + !inverse, 2, N, {false, true},
-                    scale);
+        rvxFftShort(data, data, N, inverse, false, true, scale);
         return;
     }
     if (N <= RVX_KERNEL_LEN) {

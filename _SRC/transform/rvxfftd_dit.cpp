@@ -188,8 +188,7 @@ void rvxFftDitScaled(ZCplx *data, int N, int direction, const ZCplx *twiddles, d
     if (N == 1)
         return;
     if (N <= 8)
-        rvxFftShort(p + inverse, p + !inverse, p + inverse, p + !inverse, 2, N, {true, false},
-                    scale);
+        rvxFftShort(data, data, N, inverse, true, false, scale);
     else if (N <= RVX_KERNEL_LEN)
         (inverse ? ditInverse : ditForward)(p, N, rvxFirstRadix(order),
                                             rvxDitFactors(twiddles, order), scale);
@@ -210,8 +209,7 @@ void rvxFftNatural(const ZCplx *src, ZCplx *dst, int N, int direction, const ZCp
     const bool inverse = direction < 0;
     const int order = rvxOrderOf(N);
     if (N <= 8) {
-        rvxFftShort(from + inverse, from + !inverse, to + inverse, to + !inverse, 2, N,
-                    {false, false}, scale);
+        rvxFftShort(src, dst, N, inverse, false, false, scale);
         return;
     }
     if (N <= RVX_KERNEL_LEN) {

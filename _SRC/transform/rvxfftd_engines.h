@@ -5,22 +5,12 @@
 
 #include "transform/rvxfftd.h"
 #include "transform/rvxfftd_plan.h"
+#include "transform/rvxfftd_short.h"
 
 inline int rvxOrderOf(int N)
 {
     return __builtin_ctz(static_cast<unsigned>(N));
 }
-
-// Transforms of 2, 4 and 8 points in memory where consecutive values lie `step`
-// doubles apart. The inverse is the forward transform with the roles of re and im
-// exchanged; the source may be the destination.
-struct ShortForm {
-    bool reversedInput;
-    bool reversedOutput;
-};
-
-void rvxFftShort(const double *reSrc, const double *imSrc, double *reDst, double *imDst, int step,
-                 int N, ShortForm form, double scale);
 
 // Joins kernels of 512 points, finished one after the other, as soon as all that a
 // sweep needs is there: short transforms are joined while they are in the cache.

@@ -1,80 +1,142 @@
 // Transforms of 2, 4 and 8 points, straight through.
 
-#include "transform/rvxfftd_engines.h"
+#include "transform/rvxfftd_short.h"
+
+#include <utility>
 
 namespace {
 
-struct Value {
-    double re;
-    double im;
+// One complex value. These functions are ordinary code for the baseline, which
+// has registers of just this size.
+typedef double Value __attribute__((vector_size(16)));
+typedef double ValueMem __attribute__((vector_size(16), aligned(8), may_alias));
+
+struct InterleavedValues {
+    const ZCplx *src;
+    ZCplx *dst;
+
+    RVX_INLINE Value load(int i) const { return *reinterpret_cast<const ValueMem *>(src + i); }
+    RVX_INLINE void store(int i, Value a) const { *reinterpret_cast<ValueMem *>(dst + i) = a; }
 };
 
-// a and b become a + b and a - b.
-void sumDiff(Value &a, Value &b)
+struct SeparateValues {
+    const double *reSrc;
+    const double *imSrc;
+    double *reDst;
+    double *imDst;
+
+    RVX_INLINE Value load(int i) const { return Value{reSrc[i], imSrc[i]}; }
+    RVX_INLINE void store(int i, Value a) const
+    {
+        reDst[i] = a[0];
+        imDst[i] = a[1];
+    }
+};
+
+// -j a, or j a for the inverse transform.
+template <bool inverse>
+RVX_INLINE Value quarterTurn(Value a)
 {
-    const Value sum{a.re + b.re, a.im + b.im};
-    b = {a.re - b.re, a.im - b.im};
+    return inverse ? Value{-a[1], a[0]} : Value{a[1], -a[0]};
+}
+
+RVX_INLINE void sumDiff(Value &a, Value &b)
+{
+    const Value sum = a + b;
+    b = a - b;
     a = sum;
 }
 
-// a and b become a - jb and a + jb.
-void sumDiffTurned(Value &a, Value &b)
-{
-    const Value minus{a.re + b.im, a.im - b.re};
-    b = {a.re - b.im, a.im + b.re};
-    a = minus;
-}
-
-// Natural order in and out, on the elements at x[0], x[step], …
-void transform4(Value &a, Value &b, Value &c, Value &d)
+// Natural order in and out.
+template <bool inverse>
+RVX_INLINE void transform4(Value &a, Value &b, Value &c, Value &d)
 {
     sumDiff(a, c);
     sumDiff(b, d);
     sumDiff(a, b);
-    sumDiffTurned(c, d);
-    const Value third = b;
-    b = c;
-    c = third;
+    d = quarterTurn<inverse>(d);
+    sumDiff(c, d);
+    std::swap(b, c);
 }
 
-void transform8(Value *x)
+template <bool inverse>
+RVX_INLINE void transform8(Value *x)
 {
     constexpr double half = 0.70710678118654752440;
-    transform4(x[0], x[2], x[4], x[6]);
-    transform4(x[1], x[3], x[5], x[7]);
-    x[3] = {(x[3].re + x[3].im) * half, (x[3].im - x[3].re) * half};
-    x[7] = {(x[7].im - x[7].re) * half, (x[7].re + x[7].im) * half};
-    sumDiff(x[0], x[1]);
-    sumDiff(x[2], x[3]);
-    sumDiffTurned(x[4], x[5]);
-    const Value sum{x[6].re + x[7].re, x[6].im - x[7].im};
-    x[7] = {x[6].re - x[7].re, x[6].im + x[7].im};
-    x[6] = sum;
+    transform4<inverse>(x[0], x[2], x[4], x[6]);
+    transform4<inverse>(x[1], x[3], x[5], x[7]);
+    x[3] = (x[3] + quarterTurn<inverse>(x[3])) * half;
+    x[5] = quarterTurn<inverse>(x[5]);
+    x[7] = (quarterTurn<inverse>(x[7]) - x[7]) * half;
+    for (int k = 0; k < 8; k += 2)
+        sumDiff(x[k], x[k + 1]);
+    // Result k stands at 2k, and result k + 4 behind it.
+    const Value result[8] = {x[0], x[2], x[4], x[6], x[1], x[3], x[5], x[7]};
+    for (int k = 0; k < 8; ++k)
+        x[k] = result[k];
+}
+
+RVX_INLINE constexpr int reversedPlace(int N, int i)
+{
+    if (N == 8)
+        return (i & 1) * 4 + (i & 2) + (i & 4) / 4;
+    return N == 4 ? (i & 1) * 2 + (i & 2) / 2 : i;
+}
+
+template <int N, bool inverse, bool reversedInput, bool reversedOutput, typename Values>
+RVX_INLINE void transform(Values values, double scale)
+{
+    Value x[8];
+    for (int i = 0; i < N; ++i)
+        x[i] = values.load(reversedInput ? reversedPlace(N, i) : i);
+    if (N == 2)
+        sumDiff(x[0], x[1]);
+    else if (N == 4)
+        transform4<inverse>(x[0], x[1], x[2], x[3]);
+    else
+        transform8<inverse>(x);
+    for (int k = 0; k < N; ++k)
+        values.store(reversedOutput ? reversedPlace(N, k) : k, x[k] * scale);
+}
+
+template <bool inverse, bool reversedInput, bool reversedOutput, typename Values>
+RVX_INLINE void transformAny(Values values, int N, double scale)
+{
+    if (N == 2)
+        transform<2, inverse, reversedInput, reversedOutput>(values, scale);
+    else if (N == 4)
+        transform<4, inverse, reversedInput, reversedOutput>(values, scale);
+    else
+        transform<8, inverse, reversedInput, reversedOutput>(values, scale);
+}
+
+template <bool inverse, typename Values>
+RVX_INLINE void transformForm(Values values, int N, bool reversedInput, bool reversedOutput,
+                              double scale)
+{
+    if (reversedInput)
+        transformAny<inverse, true, false>(values, N, scale);
+    else if (reversedOutput)
+        transformAny<inverse, false, true>(values, N, scale);
+    else
+        transformAny<inverse, false, false>(values, N, scale);
 }
 
 } // namespace
 
-void rvxFftShort(const double *reSrc, const double *imSrc, double *reDst, double *imDst, int step,
-                 int N, ShortForm form, double scale)
+void rvxFftShort(const ZCplx *src, ZCplx *dst, int N, bool inverse, bool reversedInput,
+                 bool reversedOutput, double scale)
 {
-    static const int reversed[2][8] = {{0, 2, 1, 3}, {0, 4, 2, 6, 1, 5, 3, 7}};
-    Value x[8];
-    const int *places = reversed[N == 8];
-    for (int i = 0; i < N; ++i) {
-        const int from = step * (form.reversedInput && N > 2 ? places[i] : i);
-        x[i] = {reSrc[from], imSrc[from]};
-    }
-    if (N == 2)
-        sumDiff(x[0], x[1]);
-    else if (N == 4)
-        transform4(x[0], x[1], x[2], x[3]);
+    const InterleavedValues values{src, dst};
+    if (inverse)
+        transformForm<true>(values, N, reversedInput, reversedOutput, scale);
     else
-        transform8(x);
-    // The results of 8 stand at 0, 4, 1, 5, 2, 6, 3, 7.
-    for (int k = 0; k < N; ++k) {
-        const Value &value = N == 8 ? x[2 * (k % 4) + k / 4] : x[k];
-        const int to = step * (form.reversedOutput && N > 2 ? places[k] : k);
-        reDst[to] = value.re * scale;
-        imDst[to] = value.im * scale;
-    }
+        transformForm<false>(values, N, reversedInput, reversedOutput, scale);
+}
+
+void rvxrFftShort(const double *reSrc, const double *imSrc, double *reDst, double *imDst, int N,
+                  bool reversedInput, bool reversedOutput, double scale)
+{
+    transformForm<false>(SeparateValues{reSrc, imSrc, reDst, imDst}, N, reversedInput,
+                         reversedOutput, scale);
 }

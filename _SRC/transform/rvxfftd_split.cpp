@@ -123,7 +123,7 @@ void rvxrFftDitScaled(double *re, double *im, int N, int direction, const ZCplx 
     if (N == 1)
         return;
     if (N <= 8)
-        rvxFftShort(re, im, re, im, 1, N, {true, false}, scale);
+        rvxrFftShort(re, im, re, im, N, true, false, scale);
     else if (N <= RVX_KERNEL_LEN)
         splitDit(re, im, N, rvxFirstRadix(order), rvxDitFactors(twiddles, order), scale);
     else
@@ -144,7 +144,7 @@ void rvxrFftNatural(const double *reSrc, const double *imSrc, double *reDst, dou
         std::swap(reDst, imDst);
     }
     if (N <= 8) {
-        rvxFftShort(reSrc, imSrc, reDst, imDst, 1, N, {false, false}, scale);
+        rvxrFftShort(reSrc, imSrc, reDst, imDst, N, false, false, scale);
     } else if (N <= RVX_KERNEL_LEN) {
         splitNatural(reSrc, imSrc, reDst, imDst, N, rvxFirstRadix(order),
                      rvxDitFactors(twiddles, order), scale);
@@ -163,7 +163,7 @@ void rvxrFftDifScaled(double *re, double *im, int N, int direction, const ZCplx 
     if (N == 1)
         return;
     if (N <= 8) {
-        rvxFftShort(re, im, re, im, 1, N, {false, true}, scale);
+        rvxrFftShort(re, im, re, im, N, false, true, scale);
     } else if (N <= RVX_KERNEL_LEN) {
         splitDif(re, im, N, rvxFirstRadix(order), rvxDifFactors(twiddles, order), scale);
     } else {
