@@ -34,6 +34,13 @@ RVX_INLINE Lanes loadLanes(const ZCplx *p)
     return {*reinterpret_cast<const RvxVectorMem *>(p)};
 }
 
+// For operands that are shuffled in several ways: compilers would fetch them from
+// memory once for each way, which makes the loads the limit.
+RVX_INLINE Lanes loadLanesOnce(const ZCplx *p)
+{
+    return {*reinterpret_cast<const volatile RvxVectorMem *>(p)};
+}
+
 RVX_INLINE void storeLanes(double *p, Lanes a)
 {
     *reinterpret_cast<RvxVectorMem *>(p) = a.v;

@@ -93,11 +93,16 @@ struct CplxProduct {
 
 // An operand of a block operation: a block has an element at each index, a
 // scalar has itself at all of them.
-template <typename Element>
-struct Block {
-    const Element *elements;
-    RVX_INLINE Element at(int i) const { return elements[i]; }
+struct RealBlock {
+    const double *elements;
+    RVX_INLINE double at(int i) const { return elements[i]; }
     RVX_INLINE Lanes lanesAt(int i) const { return loadLanes(elements + i); }
+};
+
+struct CplxBlock {
+    const ZCplx *elements;
+    RVX_INLINE ZCplx at(int i) const { return elements[i]; }
+    RVX_INLINE Lanes lanesAt(int i) const { return loadLanesOnce(elements + i); }
 };
 
 template <typename Element>
@@ -191,47 +196,47 @@ RVX_KERNEL void fillCplx(double re, double im, ZCplx *dst, int n)
 
 RVX_KERNEL void addScalar(double val, double *dst, int n)
 {
-    combineReal(Block<double>{dst}, Scalar<double>{val}, dst, n, Sum{});
+    combineReal(RealBlock{dst}, Scalar<double>{val}, dst, n, Sum{});
 }
 
 RVX_KERNEL void addBlocks(const double *a, const double *b, double *dst, int n)
 {
-    combineReal(Block<double>{a}, Block<double>{b}, dst, n, Sum{});
+    combineReal(RealBlock{a}, RealBlock{b}, dst, n, Sum{});
 }
 
 RVX_KERNEL void subtractScalar(double val, double *dst, int n)
 {
-    combineReal(Block<double>{dst}, Scalar<double>{val}, dst, n, Difference{});
+    combineReal(RealBlock{dst}, Scalar<double>{val}, dst, n, Difference{});
 }
 
 RVX_KERNEL void subtractBlocks(const double *a, const double *b, double *dst, int n)
 {
-    combineReal(Block<double>{a}, Block<double>{b}, dst, n, Difference{});
+    combineReal(RealBlock{a}, RealBlock{b}, dst, n, Difference{});
 }
 
 RVX_KERNEL void multiplyScalar(double val, double *dst, int n)
 {
-    combineReal(Block<double>{dst}, Scalar<double>{val}, dst, n, Product{});
+    combineReal(RealBlock{dst}, Scalar<double>{val}, dst, n, Product{});
 }
 
 RVX_KERNEL void multiplyBlocks(const double *a, const double *b, double *dst, int n)
 {
-    combineReal(Block<double>{a}, Block<double>{b}, dst, n, Product{});
+    combineReal(RealBlock{a}, RealBlock{b}, dst, n, Product{});
 }
 
 RVX_KERNEL void addCplxScalar(double re, double im, ZCplx *dst, int n)
 {
-    combineCplx(Block<ZCplx>{dst}, Scalar<ZCplx>{{re, im}}, dst, n, CplxSum{});
+    combineCplx(CplxBlock{dst}, Scalar<ZCplx>{{re, im}}, dst, n, CplxSum{});
 }
 
 RVX_KERNEL void multiplyCplxScalar(double re, double im, ZCplx *dst, int n)
 {
-    combineCplx(Block<ZCplx>{dst}, Scalar<ZCplx>{{re, im}}, dst, n, CplxProduct{});
+    combineCplx(CplxBlock{dst}, Scalar<ZCplx>{{re, im}}, dst, n, CplxProduct{});
 }
 
 RVX_KERNEL void multiplyCplxBlocks(const ZCplx *p, const ZCplx *q, ZCplx *dst, int n)
 {
-    combineCplx(Block<ZCplx>{p}, Block<ZCplx>{q}, dst, n, CplxProduct{});
+    combineCplx(CplxBlock{p}, CplxBlock{q}, dst, n, CplxProduct{});
 }
 
 // A NaN counts as zero.
@@ -246,7 +251,7 @@ void rvxdbZero(double *dst, int n)
 {
     RVX_REJECT_IF(n <= 0, "n<=0");
     RVX_REJECT_IF(dst == nullptr, "dst==0");
-    std::memset(dst, 0, static_cast<std::size_t>(n) * sizeof *dst);
+    fillReal(0.0, dst, n);
 }
 
 void rvxdbSet(double val, double *dst, int n)
@@ -275,7 +280,7 @@ void rvxzbZero(ZCplx *dst, int n)
 {
     RVX_REJECT_IF(n <= 0, "n<=0");
     RVX_REJECT_IF(dst == nullptr, "dst==0");
-    std::memset(dst, 0, static_cast<std::size_t>(n) * sizeof *dst);
+    fillCplx(0.0, 0.0, dst, n);
 }
 
 void rvxzbCopy(const ZCplx *src, ZCplx *dst, int n)
