@@ -32,14 +32,16 @@ void threadEnds(void *)
     rvxSlotMirror = nullptr;
 }
 
-__attribute__((constructor)) void libraryComes()
+// The earliest priority that is not the system's own: in a program that holds the
+// library itself, that program's initialisers may call before main.
+__attribute__((constructor(101))) void libraryComes()
 {
     // A constructor cannot make the load fail. What could not be had here is
     // missed, and the process ended, at the first call that needs it.
     rvxProcessAttach();
 }
 
-__attribute__((destructor)) void libraryGoes()
+__attribute__((destructor(101))) void libraryGoes()
 {
     rvxProcessDetach();
 }
@@ -83,7 +85,7 @@ void rvxRecordFree(void *record)
 
 void rvxFatalExit(const char *message)
 {
-    // write(2) alone: standard output's buffers may need memory.
+    // write(2) alone: the standard streams may need memory.
     const char newline = '\n';
     if (write(STDERR_FILENO, message, std::strlen(message)) >= 0)
         (void)!write(STDERR_FILENO, &newline, 1);
