@@ -25,6 +25,11 @@
 #ifndef RVX_H
 #define RVX_H
 
+#define RVX_VERSION_MAJOR 1
+#define RVX_VERSION_MINOR 0
+#define RVX_VERSION_PATCH 0
+
+/* Programs that link the static library on Windows define RVX_STATIC. */
 #if defined(_WIN32)
 #if defined(RVX_BUILDING)
 #define RVX_API __declspec(dllexport)
@@ -41,7 +46,7 @@
 extern "C" {
 #endif
 
-/* A complex value. */
+/* A complex value, laid out like C's double complex and std::complex<double>. */
 typedef struct ZCplx {
     double re;
     double im;
@@ -199,8 +204,7 @@ RVX_API double rvxdMean(const double *vec, int len);
 
 /* The sample standard deviation sqrt(v), by the computational formula
  * v = (len * sum(vec[i]^2) - sum(vec[i])^2) / (len * (len - 1)), or 0.0 where
- * rounding makes v negative. The formula loses digits where the mean is large
- * against the deviation: about twice as many as the mean has more than it.
+ * rounding makes v negative. Its relative error grows as (mean / deviation)^2.
  * Checks: len below 1, vec null: 0.0; len of 1: -1.0. */
 RVX_API double rvxdStdDev(const double *vec, int len);
 
@@ -230,9 +234,10 @@ enum {
 };
 
 /* The norm of srcA - srcB, or of srcA where srcB is null, over n elements. A
- * relative norm without srcB is 1.0. A relative norm is 0.0 where the difference's
- * norm is below the smallest normal number, and the largest finite number where
- * only that of srcA is; for L2 both are looked at before the root.
+ * relative norm without srcB is 1.0. Where the difference's norm is below the
+ * smallest normal number, 2.2e-308, the relative norm is 0.0; where it is not but
+ * the norm of srcA is, the result is the largest finite number, 1.8e308. For L2
+ * both are looked at before the root.
  * RVX_NORM_C passes over NaNs, the others give NaN. Differences and, for
  * RVX_NORM_C, squared magnitudes are rounded to double.
  * Checks: n below 1; srcA null; flag; the result is then 0.0. */
@@ -255,11 +260,12 @@ enum {
     RVX_FFT_FORWARD = 1,        /* the kernel exp(-2 pi j k n / N) */
     RVX_FFT_INVERSE = 2,        /* the kernel exp(+2 pi j k n / N) and the factor 1/N */
     RVX_FFT_INIT_TABLES = 4,    /* build the tables that this call would use, and return */
-    RVX_FFT_FREE_TABLES = 8,    /* release the tables of this order and form, and return */
+    RVX_FFT_FREE_TABLES = 8,    /* release the tables that this call would use, and return */
     RVX_FFT_NO_SCALE = 16,      /* the inverse transform without its factor 1/N */
     RVX_FFT_NATURAL_ORDER = 32, /* the default, said aloud: excludes the next two */
     RVX_FFT_IN_BIT_REV = 64,    /* input in bit-reversed order, output in natural order */
     RVX_FFT_OUT_BIT_REV = 128,  /* input in natural order, output in bit-reversed order */
+    /* Packed spectra, which no exported function reads or writes. */
     RVX_FFT_OUT_RC_PACK = 256,
     RVX_FFT_OUT_RC_PERM = 512,
     RVX_FFT_IN_RC_PACK = 1024,
@@ -282,7 +288,9 @@ enum {
  *
  * RVX_FFT_FREE_TABLES releases this order's tables in the calling thread and
  * returns, before any check; RVX_FFT_INIT_TABLES builds them, after the checks of
- * the order, and looks at nothing else. Tables are otherwise built by a thread's
+ * the order, and looks at nothing else: the data pointers of both may be null.
+ * Releasing an order above 9 releases the tables of order 9 too, which all larger
+ * ones rest on. Tables are otherwise built by a thread's
  * first transform of an order and kept. RVX_FFT_OUT_BIT_REV alone selects one
  * form of tables, everything else the other.
  *
@@ -296,7 +304,8 @@ enum {
 RVX_API void rvxzFft(ZCplx *samps, int order, int flags);
 RVX_API void rvxzFftNip(const ZCplx *inSamps, ZCplx *outSamps, int order, int flags);
 
-/* The same with real and imaginary parts in arrays of their own, N doubles each. */
+/* The same with real and imaginary parts in arrays of their own, N doubles each;
+ * the results of each part may go where the part came from under the same rule. */
 RVX_API void rvxzrFftNip(const double *reInSamps, const double *imInSamps, double *reOutSamps,
                          double *imOutSamps, int order, int flags);
 
@@ -309,15 +318,17 @@ RVX_API void rvxzrFftNip(const double *reInSamps, const double *imInSamps, doubl
  * CCS, N + 2 doubles: R[0], 0, R[1], I[1], ..., R[N/2], 0. Element 2k holds R[k]
  * and element 2k + 1 holds I[k].
  *
- * Flags: one of RVX_FFT_FORWARD, sums with W = exp(-2 pi j k n / N), and
+ * Flags: one of RVX_FFT_FORWARD, sums with W = exp(-2 pi j / N), and
  * RVX_FFT_INVERSE, sums with its conjugate, times 1/N unless RVX_FFT_NO_SCALE is
- * set; RVX_FFT_INIT_TABLES and RVX_FFT_FREE_TABLES as for the complex transforms.
- * Orders and other flag bits have no meaning here. Spectra are always in
- * natural order. rvxdRealFft with RVX_FFT_FORWARD and rvxdCcsFft with
- * RVX_FFT_INVERSE undo each other.
+ * set; RVX_FFT_INIT_TABLES and RVX_FFT_FREE_TABLES as for the complex transforms,
+ * where a release takes the complex tables of order - 1 too, which these
+ * transforms run on. Other flags are ignored: data is always in natural order.
+ * rvxdRealFft with RVX_FFT_FORWARD and rvxdCcsFft with RVX_FFT_INVERSE undo each
+ * other.
  *
  * Arrays need no alignment but that of double, and results do not depend on it.
- * After the first call of an order in a thread no memory is allocated.
+ * After the first call of an order in a thread no memory is allocated until its
+ * tables are released.
  *
  * Checks, the same in all four functions: order below 0; order above 31; tables
  * without memory (RVX_STATUS_NO_MEMORY); then, unless the call only builds
@@ -356,9 +367,10 @@ RVX_API void rvxdCcsFftNip(const double *inSamps, double *outSamps, int order, i
  *
  * vec[k] = vec[k] * w(k) for 0 <= k < n, in place, with symmetric weights
  * w(n-1-k) = w(k); the middle element of an odd n has weight 1 and is not
- * touched. In the formulas x = 2 pi k / (n - 1). The complex forms scale both
- * parts. For n = 3 the weights of the ends that are 0 are not multiplied: the
- * two elements are set to 0, infinities and NaNs included.
+ * touched. In the formulas x = 2 pi k / (n - 1). A block of ones becomes the
+ * window itself; the first n weights of length n + 1 are the periodic window of
+ * length n. The complex forms scale both parts. For n = 3 the weights of the ends that are 0 are
+ * not multiplied: the two elements are set to 0, infinities and NaNs included.
  *
  * The weights come from a recurrence with one cosine per call (Goertzel 1958).
  * Against the formulas their absolute error grows with n, and is for a Hann
