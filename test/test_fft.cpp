@@ -1,0 +1,739 @@
+// Complex Fourier transforms.
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "frame/rvxthread.h"
+#include "reference/dft.h"
+#include "rvx.h"
+#include "support/allocations.h"
+#include "support/guarded.h"
+#include "support/reports.h"
+#include "transform/rvxfftd.h"
+#include "transform/rvxmisc.h"
+#include "transform/rvxtwd.h"
+
+namespace {
+
+using Signal = std::vector<ZCplx>;
+
+Signal noise(int n, unsigned seed)
+{
+    unsigned long long state = seed * 2 + 1;
+    const auto sample = [&state] {
+        state = state * 6364136223846793005ULL + 1442695040888963407ULL;
+        return static_cast<double>(static_cast<long long>(state) >> 11) * 0x1p-52;
+    };
+    Signal x(static_cast<std::size_t>(n));
+    for (ZCplx &z : x)
+        z = {sample(), sample()};
+    return x;
+}
+
+Signal reversed(const Signal &x)
+{
+    Signal result(x.size());
+    int order = 0;
+    while ((std::size_t{1} << order) < x.size())
+        ++order;
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        std::size_t j = 0;
+        for (int bit = 0; bit < order; ++bit)
+            j |= (i >> bit & 1) << (order - 1 - bit);
+        result[j] = x[i];
+    }
+    return result;
+}
+
+// The three fronts, all as one that takes a signal and gives a signal.
+enum class Front { inPlace, notInPlace, split };
+
+const Front fronts[] = {Front::inPlace, Front::notInPlace, Front::split};
+
+const char *nameOf(Front front)
+{
+    switch (front) {
+    case Front::inPlace:
+        return "rvxzFft";
+    case Front::notInPlace:
+        return "rvxzFftNip";
+    default:
+        return "rvxzrFftNip";
+    }
+}
+
+Signal transformed(Front front, const Signal &x, int order, int flags, int misalignment = 0)
+{
+    const int n = static_cast<int>(x.size());
+    if (front == Front::inPlace) {
+        Guarded<ZCplx> data(x, misalignment);
+        rvxzFft(data.data(), order, flags);
+        EXPECT_TRUE(data.intact());
+        return data.values();
+    }
+    if (front == Front::notInPlace) {
+        Guarded<ZCplx> in(x, (misalignment + 1) % 4);
+        Guarded<ZCplx> out(n, misalignment);
+        rvxzFftNip(in.data(), out.data(), order, flags);
+        EXPECT_TRUE(in.intact() && out.intact());
+        EXPECT_EQ(std::memcmp(in.data(), x.data(), sizeof(ZCplx) * x.size()), 0);
+        return out.values();
+    }
+    Guarded<double> re(n, misalignment);
+    Guarded<double> im(n, (misalignment + 3) % 4);
+    Guarded<double> reOut(n, (misalignment + 1) % 4);
+    Guarded<double> imOut(n, (misalignment + 2) % 4);
+    for (int i = 0; i < n; ++i) {
+        re[i] = x[static_cast<std::size_t>(i)].re;
+        im[i] = x[static_cast<std::size_t>(i)].im;
+    }
+    rvxzrFftNip(re.data(), im.data(), reOut.data(), imOut.data(), order, flags);
+    EXPECT_TRUE(re.intact() && im.intact() && reOut.intact() && imOut.intact());
+    Signal result(x.size());
+    Signal kept(x.size());
+    for (int i = 0; i < n; ++i) {
+        kept[static_cast<std::size_t>(i)] = {re[i], im[i]};
+        result[static_cast<std::size_t>(i)] = {reOut[i], imOut[i]};
+    }
+    EXPECT_EQ(std::memcmp(kept.data(), x.data(), sizeof(ZCplx) * x.size()), 0);
+    return result;
+}
+
+bool sameBits(const Signal &a, const Signal &b)
+{
+    return a.size() == b.size() && std::memcmp(a.data(), b.data(), sizeof(ZCplx) * a.size()) == 0;
+}
+
+struct Error {
+    double rms;     // relative to the root mean square of the reference
+    double largest; // of any part, in the same unit
+};
+
+Error errorOf(const Signal &x, const std::vector<ZExtended> &reference, long double scale)
+{
+    long double sum = 0, power = 0, largest = 0;
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        const long double re = x[i].re - reference[i].re * scale;
+        const long double im = x[i].im - reference[i].im * scale;
+        sum += re * re + im * im;
+        power +=
+            (reference[i].re * reference[i].re + reference[i].im * reference[i].im) * scale * scale;
+        largest = std::max({largest, std::fabs(re), std::fabs(im)});
+    }
+    const auto n = static_cast<long double>(x.size());
+    return {static_cast<double>(std::sqrt(sum / power)),
+            static_cast<double>(largest / std::sqrt(power / n))};
+}
+
+// Each radix-2 pass adds rounding errors of its own to those before it, so the
+// square grows with the order. Measured on noise, per root of the order: 7.0e-17 in
+// the mean, 2.95e-16 in the worst part.
+double rmsBound(int order)
+{
+    return 7.5e-17 * std::sqrt(order);
+}
+
+double largestBound(int order)
+{
+    return 3.3e-16 * std::sqrt(order);
+}
+
+} // namespace
+
+// ---- results ------------------------------------------------------------------
+
+TEST(Fft, EqualsTheDftAtEveryOrderInEveryForm)
+{
+    for (int order = 0; order <= 20; ++order) {
+        const int n = 1 << order;
+        const Signal x = noise(n, static_cast<unsigned>(order));
+        for (int direction : {1, 2}) {
+            const int sign = direction == 1 ? 1 : -1;
+            const auto reference =
+                order <= 8 ? dftByDefinition(extended(x), sign) : dftInHalves(extended(x), sign);
+            for (int field : {0, 32, 64, 128})
+                for (int unscaled : {0, int{RVX_FFT_NO_SCALE}}) {
+                    if (order > 14 && (unscaled != 0 || field == RVX_FFT_NATURAL_ORDER))
+                        continue;
+                    const int flags = direction | field | unscaled;
+                    const Signal in = field == RVX_FFT_IN_BIT_REV ? reversed(x) : x;
+                    const bool scaled = direction == 2 && unscaled == 0;
+                    Signal out = transformed(Front::inPlace, in, order, flags);
+                    for (Front front : {Front::notInPlace, Front::split})
+                        EXPECT_TRUE(sameBits(transformed(front, in, order, flags), out))
+                            << nameOf(front) << " " << order << " flags " << flags;
+                    if (field == RVX_FFT_OUT_BIT_REV)
+                        out = reversed(out);
+                    const Error error = errorOf(out, reference, scaled ? 1.0L / n : 1.0L);
+                    EXPECT_LE(error.rms, rmsBound(order)) << order << " flags " << flags;
+                    EXPECT_LE(error.largest, largestBound(order)) << order << " flags " << flags;
+                }
+        }
+    }
+}
+
+TEST(Fft, OneElementIsCopiedAndNeverScaled)
+{
+    const Signal x = {{3.5, -0.0}};
+    for (Front front : fronts)
+        for (int flags : {1, 2, 18, 65, 66, 129, 130})
+            EXPECT_TRUE(sameBits(transformed(front, x, 0, flags), x)) << nameOf(front);
+}
+
+TEST(Fft, TwoElementsAreSumAndDifference)
+{
+    const Signal x = {{3.0, 5.0}, {0.25, 8.0}};
+    for (Front front : fronts)
+        for (int field : {0, 64, 128}) {
+            const Signal sums = {{3.25, 13.0}, {2.75, -3.0}};
+            const Signal halves = {{1.625, 6.5}, {1.375, -1.5}};
+            EXPECT_TRUE(sameBits(transformed(front, x, 1, 1 | field), sums));
+            EXPECT_TRUE(sameBits(transformed(front, x, 1, 2 | field), halves));
+            EXPECT_TRUE(sameBits(transformed(front, x, 1, 18 | field), sums));
+        }
+}
+
+TEST(Fft, AnImpulseGivesTheRootsOfUnity)
+{
+    for (int order = 1; order <= 14; ++order) {
+        const int n = 1 << order;
+        for (int at : {0, 1, n / 2, n - 1}) {
+            Signal x(static_cast<std::size_t>(n));
+            x[static_cast<std::size_t>(at)] = {1.0, 0.0};
+            for (Front front : fronts) {
+                const Signal spectrum = transformed(front, x, order, RVX_FFT_FORWARD);
+                const auto roots = unitRoots(static_cast<std::size_t>(n), 1);
+                for (int k = 0; k < n; ++k) {
+                    const ZExtended w =
+                        roots[static_cast<std::size_t>(static_cast<long long>(k) * at % n)];
+                    const ZCplx got = spectrum[static_cast<std::size_t>(k)];
+                    ASSERT_NEAR(got.re, static_cast<double>(w.re), 6e-16) << order << " " << at;
+                    ASSERT_NEAR(got.im, static_cast<double>(w.im), 6e-16) << order << " " << at;
+                }
+            }
+        }
+        Signal x(static_cast<std::size_t>(n));
+        x[0] = {1.0, -2.0};
+        for (const ZCplx &bin : transformed(Front::inPlace, x, order, RVX_FFT_FORWARD)) {
+            EXPECT_EQ(bin.re, 1.0);
+            EXPECT_EQ(bin.im, -2.0);
+        }
+    }
+}
+
+TEST(Fft, EachFrequencyComesToItsBin)
+{
+    for (int order : {3, 5, 8, 10, 13}) {
+        const int n = 1 << order;
+        const auto roots = unitRoots(static_cast<std::size_t>(n), 1);
+        for (int frequency = 0; frequency < n; frequency += order < 8 ? 1 : n / 16 + 1) {
+            Signal x;
+            for (int i = 0; i < n; ++i) {
+                const ZExtended w =
+                    roots[static_cast<std::size_t>(static_cast<long long>(i) * frequency % n)];
+                x.push_back({static_cast<double>(w.re), -static_cast<double>(w.im)});
+            }
+            const Signal spectrum = transformed(Front::notInPlace, x, order, RVX_FFT_FORWARD);
+            for (int k = 0; k < n; ++k) {
+                const ZCplx bin = spectrum[static_cast<std::size_t>(k)];
+                ASSERT_NEAR(bin.re, k == frequency ? n : 0.0, 4e-16 * n) << order << " " << k;
+                ASSERT_NEAR(bin.im, 0.0, 4e-16 * n) << order << " " << k;
+            }
+        }
+    }
+}
+
+TEST(Fft, KeepsThePowerOfTheSignal)
+{
+    for (int order = 1; order <= 16; ++order) {
+        const Signal x = noise(1 << order, 77);
+        const auto power = [](const Signal &signal) {
+            long double sum = 0;
+            for (const ZCplx &z : signal)
+                sum +=
+                    static_cast<long double>(z.re) * z.re + static_cast<long double>(z.im) * z.im;
+            return sum;
+        };
+        const long double before = power(x);
+        const long double after = power(transformed(Front::inPlace, x, order, 1)) / (1 << order);
+        EXPECT_NEAR(static_cast<double>(after / before), 1.0, 4e-16 * std::sqrt(order));
+    }
+}
+
+TEST(Fft, ForwardAndInverseUndoEachOther)
+{
+    for (int order = 0; order <= 16; ++order) {
+        const Signal x = noise(1 << order, 5);
+        const auto pairOf = [&x, order](Front front, int there, int back) {
+            return transformed(front, transformed(front, x, order, there), order, back);
+        };
+        for (Front front : fronts) {
+            for (const Signal &back : {pairOf(front, 1, 2), pairOf(front, 129, 66)}) {
+                const Error error = errorOf(back, extended(x), 1.0L);
+                EXPECT_LE(error.rms, 1.5 * rmsBound(order)) << nameOf(front) << " " << order;
+            }
+            // The inverse without its factor and the forward give N times the start.
+            const Signal grown = pairOf(front, 18, 1);
+            const Error error = errorOf(grown, extended(x), static_cast<long double>(1 << order));
+            EXPECT_LE(error.rms, 1.5 * rmsBound(order)) << nameOf(front) << " " << order;
+        }
+    }
+}
+
+TEST(Fft, TheScaleIsAppliedAfterAllAdditions)
+{
+    for (int order = 1; order <= 13; ++order)
+        for (int field : {0, 64, 128}) {
+            const Signal x = noise(1 << order, 9);
+            Signal expected = transformed(Front::inPlace, x, order, 18 | field);
+            for (ZCplx &z : expected)
+                z = {z.re * (1.0 / (1 << order)), z.im * (1.0 / (1 << order))};
+            for (Front front : fronts)
+                EXPECT_TRUE(sameBits(transformed(front, x, order, 2 | field), expected));
+        }
+    // Among subnormals it shows: half of the smallest number, twice, is not it.
+    const double tiny = std::numeric_limits<double>::denorm_min();
+    const Signal x(4, ZCplx{tiny, -tiny});
+    for (Front front : fronts) {
+        const Signal mean = transformed(front, x, 2, RVX_FFT_INVERSE);
+        EXPECT_EQ(mean[0].re, tiny);
+        EXPECT_EQ(mean[0].im, -tiny);
+    }
+}
+
+TEST(Fft, SameBitsAtEveryAlignmentAndNothingOutsideIsWritten)
+{
+    for (int order = 0; order <= 13; ++order)
+        for (int flags : {1, 2, 65, 66, 129, 130}) {
+            const Signal x = noise(1 << order, 3);
+            for (Front front : fronts) {
+                const Signal expected = transformed(front, x, order, flags, 0);
+                for (int misalignment = 1; misalignment < 4; ++misalignment)
+                    EXPECT_TRUE(
+                        sameBits(transformed(front, x, order, flags, misalignment), expected))
+                        << nameOf(front) << " " << order << " flags " << flags;
+            }
+        }
+}
+
+TEST(Fft, SameBitsWhateverIsCached)
+{
+    for (int order : {4, 9, 10, 14}) {
+        const Signal x = noise(1 << order, 4);
+        for (int flags : {1, 129}) {
+            rvxFreeFftTables();
+            const Signal fresh = transformed(Front::inPlace, x, order, flags);
+            for (int other = 0; other <= 14; ++other)
+                for (int warm : {4, 132})
+                    rvxzFft(nullptr, other, warm);
+            EXPECT_TRUE(sameBits(transformed(Front::inPlace, x, order, flags), fresh));
+        }
+    }
+}
+
+TEST(Fft, BitReversedOrdersWorkOnOneArray)
+{
+    for (int order : {0, 1, 3, 6, 9, 11})
+        for (int flags : {65, 66, 129, 130}) {
+            const Signal x = noise(1 << order, 8);
+            const Signal expected = transformed(Front::inPlace, x, order, flags);
+            Signal same = x;
+            rvxzFftNip(same.data(), same.data(), order, flags);
+            EXPECT_TRUE(sameBits(same, expected)) << order;
+            std::vector<double> re, im;
+            for (const ZCplx &z : x) {
+                re.push_back(z.re);
+                im.push_back(z.im);
+            }
+            rvxzrFftNip(re.data(), im.data(), re.data(), im.data(), order, flags);
+            for (std::size_t i = 0; i < x.size(); ++i) {
+                EXPECT_EQ(bitsOf(re[i]), bitsOf(expected[i].re));
+                EXPECT_EQ(bitsOf(im[i]), bitsOf(expected[i].im));
+            }
+        }
+}
+
+TEST(Fft, UnknownFlagBitsChangeNothing)
+{
+    const int unknown = 256 | 512 | 1024 | 2048 | 4096 | 1 << 20;
+    for (int order : {2, 7, 10}) {
+        const Signal x = noise(1 << order, 2);
+        for (Front front : fronts)
+            EXPECT_TRUE(sameBits(transformed(front, x, order, 2 | unknown),
+                                 transformed(front, x, order, 2)));
+    }
+}
+
+TEST(Fft, InfinitiesAndNaNsSpreadAndDoNotCrash)
+{
+    const double infinity = std::numeric_limits<double>::infinity();
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    for (int order = 1; order <= 11; ++order)
+        for (double bad : {infinity, -infinity, nan})
+            for (int flags : {1, 2, 65, 66, 129, 130})
+                for (Front front : fronts) {
+                    Signal x = noise(1 << order, 6);
+                    x[x.size() / 3].re = bad;
+                    // Every result contains every element.
+                    for (const ZCplx &z : transformed(front, x, order, flags))
+                        ASSERT_FALSE(std::isfinite(z.re) && std::isfinite(z.im));
+                }
+}
+
+TEST(Fft, ZerosStayZeros)
+{
+    for (int order = 0; order <= 12; ++order)
+        for (Front front : fronts)
+            for (int flags : {1, 2, 65, 66, 129, 130})
+                for (const ZCplx &z :
+                     transformed(front, Signal(std::size_t{1} << order), order, flags)) {
+                    ASSERT_EQ(z.re, 0.0);
+                    ASSERT_EQ(z.im, 0.0);
+                }
+}
+
+// ---- engines --------------------------------------------------------------------
+
+TEST(FftEngines, GiveWhatTheFrontsGiveUnscaled)
+{
+    for (int order = 0; order <= 12; ++order)
+        for (int direction : {1, -1}) {
+            const int n = 1 << order;
+            const Signal x = noise(n, 12);
+            const int bits = direction > 0 ? 1 : 18;
+            const auto split = [&x](std::vector<double> &re, std::vector<double> &im) {
+                for (const ZCplx &z : x) {
+                    re.push_back(z.re);
+                    im.push_back(z.im);
+                }
+            };
+            Signal dit = x;
+            rvxFftDit(dit.data(), n, direction, rvxGetFftTwdDit(order));
+            EXPECT_TRUE(sameBits(dit, transformed(Front::inPlace, x, order, bits | 64)));
+            Signal dif = x;
+            rvxFftDif(dif.data(), n, direction, rvxGetFftTwdDif(order));
+            EXPECT_TRUE(sameBits(dif, transformed(Front::inPlace, x, order, bits | 128)));
+            std::vector<double> re, im, reDif, imDif;
+            split(re, im);
+            rvxrFftDit(re.data(), im.data(), n, direction, rvxGetFftTwdDit(order));
+            split(reDif, imDif);
+            rvxrFftDif(reDif.data(), imDif.data(), n, direction, rvxGetFftTwdDif(order));
+            for (std::size_t i = 0; i < x.size(); ++i) {
+                EXPECT_EQ(bitsOf(re[i]), bitsOf(dit[i].re));
+                EXPECT_EQ(bitsOf(im[i]), bitsOf(dit[i].im));
+                EXPECT_EQ(bitsOf(reDif[i]), bitsOf(dif[i].re));
+                EXPECT_EQ(bitsOf(imDif[i]), bitsOf(dif[i].im));
+            }
+        }
+}
+
+TEST(FftEngines, ReversingCopiesTakeEachElementToItsPlace)
+{
+    for (int order = 0; order <= 12; ++order) {
+        const int n = 1 << order;
+        const Signal x = noise(n, 13);
+        const Signal expected = reversed(x);
+        Guarded<ZCplx> out(n, 1);
+        rvxBitRevCopy(x.data(), out.data(), n, rvxGetBitRevSwapTbl(order));
+        EXPECT_TRUE(sameBits(out.values(), expected));
+        EXPECT_TRUE(out.intact());
+        Signal inPlace = x;
+        rvxBitRevInPlace(inPlace.data(), n, rvxGetBitRevSwapTbl(order));
+        EXPECT_TRUE(sameBits(inPlace, expected));
+        std::vector<double> re;
+        for (const ZCplx &z : x)
+            re.push_back(z.re);
+        Guarded<double> reOut(n, 1);
+        rvxBitRevCopyDoubles(re.data(), reOut.data(), n, rvxGetBitRevSwapTbl(order));
+        for (int i = 0; i < n; ++i)
+            EXPECT_EQ(reOut[i], expected[static_cast<std::size_t>(i)].re);
+        EXPECT_TRUE(reOut.intact());
+    }
+}
+
+// ---- checks -----------------------------------------------------------------------
+
+namespace {
+
+// Calls with the pointers from the nullAt-th on (from 1) null; 0 has none null.
+void call(Front front, Signal &data, int order, int flags, int nullAt = 0)
+{
+    double *p = &data[0].re;
+    const auto pointer = [p, nullAt](int place) {
+        return nullAt != 0 && place >= nullAt ? nullptr : p + 32 * (place - 1);
+    };
+    if (front == Front::inPlace)
+        rvxzFft(reinterpret_cast<ZCplx *>(pointer(1)), order, flags);
+    else if (front == Front::notInPlace)
+        rvxzFftNip(reinterpret_cast<ZCplx *>(pointer(1)), reinterpret_cast<ZCplx *>(pointer(2)),
+                   order, flags);
+    else
+        rvxzrFftNip(pointer(1), pointer(2), pointer(3), pointer(4), order, flags);
+}
+
+std::vector<const char *> pointerNames(Front front)
+{
+    if (front == Front::inPlace)
+        return {"samps==0"};
+    if (front == Front::notInPlace)
+        return {"inSamps==0", "outSamps==0"};
+    return {"reInSamps==0", "imInSamps==0", "reOutSamps==0", "imOutSamps==0"};
+}
+
+// The orders of the tables in each slot.
+std::string held()
+{
+    const rvxThreadContext *c = rvxGetThreadContext();
+    std::string names;
+    for (int i = 0; i < RVX_ORDERS; ++i) {
+        if (c->fftTableA[i] != nullptr)
+            names += " A" + std::to_string(i);
+        if (c->fftTableB[i] != nullptr)
+            names += " B" + std::to_string(i);
+        if (c->fftTableC[i] != nullptr)
+            names += " C" + std::to_string(i);
+        if (c->realFftTableA[i] != nullptr)
+            names += " r" + std::to_string(i);
+        if (c->shortBitRevTable[i] != nullptr)
+            names += " s" + std::to_string(i);
+    }
+    return names;
+}
+
+} // namespace
+
+TEST(FftChecks, OrderThenPointersThenFlags)
+{
+    for (Front front : fronts) {
+        Reports reports;
+        const Signal before = noise(64, 21);
+        Signal data = before;
+        const auto expect = [&](int order, int flags, int nullAt, const char *context) {
+            call(front, data, order, flags, nullAt);
+            EXPECT_EQ(reports.take(), badArgument(nameOf(front), context, "rvxfftd"));
+            EXPECT_EQ(rvxGetErrStatus(), RVX_STATUS_BAD_ARGUMENT);
+            EXPECT_TRUE(sameBits(data, before));
+        };
+        expect(-1, 3, 1, "order<0");
+        expect(32, 3, 1, "order>31");
+        const auto names = pointerNames(front);
+        for (std::size_t i = 0; i < names.size(); ++i)
+            expect(4, 3, static_cast<int>(i) + 1, names[i]);
+        expect(4, 3 | 64 | 128 | 32, 0, "(flags & 1) && (flags & 2)");
+        expect(4, 0 | 64 | 128 | 32, 0, "(flags & 1)==0 && (flags & 2)==0");
+        expect(4, 32, 0, "(flags & 1)==0 && (flags & 2)==0");
+        expect(4, 1 | 64 | 128 | 32, 0, "(flags & 64) && (flags & 128)");
+        expect(4, 2 | 64 | 128, 0, "(flags & 64) && (flags & 128)");
+        expect(4, 1 | 64 | 32, 0, "(flags & 64) && (flags & 32)");
+        expect(4, 2 | 128 | 32, 0, "(flags & 32) && (flags & 128)");
+        expect(0, 0, 0, "(flags & 1)==0 && (flags & 2)==0");
+        expect(0, 1, 1, names[0]);
+    }
+}
+
+TEST(FftChecks, AStaleStatusIsNeitherObeyedNorCleared)
+{
+    for (Front front : fronts) {
+        Reports reports;
+        rvxSetErrStatus(-5);
+        const Signal x = noise(16, 22);
+        const Signal out = transformed(front, x, 4, 1);
+        EXPECT_EQ(rvxGetErrStatus(), -5);
+        rvxSetErrStatus(0);
+        EXPECT_TRUE(sameBits(out, transformed(front, x, 4, 1)));
+        EXPECT_TRUE(reports.take().empty());
+    }
+}
+
+TEST(FftChecksDeathTest, AFailedCheckEndsTheProcessInModeZero)
+{
+    Signal data(64);
+    for (Front front : fronts)
+        EXPECT_EXIT(
+            {
+                rvxSetErrMode(0);
+                call(front, data, -1, 1);
+            },
+            ::testing::ExitedWithCode(1), "");
+}
+
+// ---- tables ---------------------------------------------------------------------
+
+TEST(FftTables, AreThoseOfTheForm)
+{
+    for (Front front : fronts) {
+        Signal data(64);
+        const auto after = [&](int order, int flags) {
+            rvxFreeFftTables();
+            call(front, data, order, flags);
+            return held();
+        };
+        EXPECT_EQ(after(4, 1), " B4 s4");
+        EXPECT_EQ(after(4, 66), " B4 s4");
+        EXPECT_EQ(after(4, 129), " C4 s4");
+        EXPECT_EQ(after(0, 1), " B0 s0");
+        EXPECT_EQ(after(0, 129), " C0 s0");
+        EXPECT_EQ(after(10, 1 | 4), " B9 A10 s10");
+        EXPECT_EQ(after(10, 129 | 4), " C9 A10 s10");
+        EXPECT_EQ(after(10, 64 | 128 | 4), " B9 A10 s10");
+    }
+}
+
+TEST(FftTables, WarmUpLooksAtNothingButTheOrder)
+{
+    for (Front front : fronts) {
+        Reports reports;
+        Signal data(64);
+        for (int flags : {4, 4 | 3, 4 | 64 | 128 | 32}) {
+            rvxFreeFftTables();
+            call(front, data, 5, flags, 1);
+            EXPECT_EQ(held(), " B5 s5");
+        }
+        call(front, data, 5, 4 | 128, 1);
+        EXPECT_EQ(held(), " B5 C5 s5");
+        EXPECT_TRUE(reports.take().empty());
+        call(front, data, 32, 4, 1);
+        EXPECT_EQ(reports.take(), badArgument(nameOf(front), "order>31", "rvxfftd"));
+    }
+}
+
+TEST(FftTables, ARefusedCallHasBuiltItsTables)
+{
+    for (Front front : fronts) {
+        Reports reports;
+        Signal data(64);
+        rvxFreeFftTables();
+        call(front, data, 5, 1, 1);
+        EXPECT_EQ(held(), " B5 s5");
+        call(front, data, 4, 128, 0);
+        EXPECT_EQ(held(), " C4 s4 B5 s5");
+        EXPECT_EQ(reports.take().size(), 2u);
+    }
+}
+
+TEST(FftTables, ReleaseWinsOverAllOtherBitsAndReportsNothing)
+{
+    for (Front front : fronts) {
+        Reports reports;
+        Signal data(64);
+        for (int other : {0, 4, 1, 3, 4 | 32 | 64, 64 | 128, 0xff00}) {
+            rvxFreeFftTables();
+            rvxzFft(nullptr, 5, 4);
+            rvxzFft(nullptr, 5, 132);
+            rvxzFft(nullptr, 6, 4);
+            call(front, data, 5, 8 | other, 1);
+            EXPECT_EQ(held(), " C5 B6 s6") << other;
+            call(front, data, 5, 8 | 128, 1);
+            EXPECT_EQ(held(), " B6 s6");
+        }
+        for (int order : {-1, 32, 100})
+            for (int flags : {8, 136})
+                call(front, data, order, flags, 1);
+        EXPECT_EQ(held(), " B6 s6");
+        EXPECT_TRUE(reports.take().empty());
+    }
+}
+
+TEST(FftTables, ReleaseAboveOrder9TakesTheFormsOrder9AndTheSharedTable)
+{
+    rvxzFft(nullptr, 11, 4);
+    rvxzFft(nullptr, 11, 132);
+    rvxzFft(nullptr, 12, 4);
+    rvxzFft(nullptr, 11, 8);
+    EXPECT_EQ(held(), " C9 A12 s12");
+    // The form whose order 9 is gone builds it again.
+    const Signal x = noise(1 << 12, 31);
+    const Signal out = transformed(Front::inPlace, x, 12, 1);
+    EXPECT_EQ(held(), " B9 C9 A12 s12");
+    rvxFreeFftTables();
+    EXPECT_TRUE(sameBits(out, transformed(Front::inPlace, x, 12, 1)));
+}
+
+TEST(FftTables, OneFailedAllocationCostsTheOtherTablesAndTheCallSucceeds)
+{
+    for (Front front : fronts)
+        for (int order : {0, 1, 4, 9, 10, 14})
+            for (int flags : {1, 129}) {
+                const Signal x = noise(1 << order, 32);
+                const Signal expected = transformed(front, x, order, flags);
+                rvxFreeFftTables();
+                long allocations = 0;
+                {
+                    AllocationWatch watch;
+                    rvxzFft(nullptr, order, flags | 4);
+                    allocations = watch.allocations();
+                }
+                const std::string tables = held();
+                for (long k = 1; k <= allocations; ++k) {
+                    Reports reports;
+                    rvxFreeFftTables();
+                    rvxGetRealTwistTbl(7);
+                    Signal none(64);
+                    {
+                        AllocationWatch watch(k);
+                        call(front, none, order, flags | 4, 1);
+                        EXPECT_EQ(watch.failures(), 1);
+                    }
+                    EXPECT_EQ(held(), tables) << "failed " << k;
+                    EXPECT_TRUE(sameBits(transformed(front, x, order, flags), expected));
+                    EXPECT_TRUE(reports.take().empty());
+                    EXPECT_EQ(rvxGetErrStatus(), 0);
+                }
+            }
+}
+
+TEST(FftTables, WithoutMemoryTheCallIsRefusedAndNothingStaysOrLeaks)
+{
+    for (Front front : fronts)
+        for (int order : {0, 4, 10})
+            for (int flags : {1, 129})
+                for (long k = 1; k <= 5; ++k) {
+                    Reports reports;
+                    rvxFreeFftTables();
+                    const Signal before = noise(64, 33);
+                    Signal data = before;
+                    {
+                        AllocationWatch watch;
+                        watch.failAllFrom(k);
+                        call(front, data, order == 10 ? 10 : 4, flags, order == 10 ? 1 : 0);
+                        if (watch.failures() == 0)
+                            continue;
+                        EXPECT_EQ(watch.live(), 0);
+                    }
+                    EXPECT_EQ(reports.take(),
+                              (std::vector<Report>{{RVX_STATUS_NO_MEMORY, nameOf(front),
+                                                    "No working Twd memory", "rvxfftd"}}));
+                    EXPECT_EQ(rvxGetErrStatus(), RVX_STATUS_NO_MEMORY);
+                    EXPECT_EQ(held(), "");
+                    EXPECT_TRUE(sameBits(data, before));
+                    // Though the status stays, the next call works.
+                    Signal next = before;
+                    call(front, next, 4, flags);
+                    EXPECT_FALSE(sameBits(next, before));
+                }
+}
+
+TEST(FftTables, OrdersWhoseTablesCannotExistAreRefusedQuickly)
+{
+    for (Front front : fronts)
+        for (int order : {30, 31})
+            for (int flags : {1, 129, 4}) {
+                Reports reports;
+                Signal data(64);
+                const auto start = std::chrono::steady_clock::now();
+                call(front, data, order, flags, 1);
+                const auto took = std::chrono::steady_clock::now() - start;
+                EXPECT_EQ(reports.take(),
+                          (std::vector<Report>{{RVX_STATUS_NO_MEMORY, nameOf(front),
+                                                "No working Twd memory", "rvxfftd"}}));
+                EXPECT_EQ(held(), "");
+                EXPECT_LT(took, std::chrono::seconds(1));
+            }
+}
