@@ -25,6 +25,21 @@ missing_packages() {
     done
 }
 
+# apt_progress LOG: keeps what apt-get says in the log and shows a line now and then.
+apt_progress() {
+    local line count=0
+    while IFS= read -r line; do
+        printf '%s\n' "$line" >>"$1"
+        case $line in
+        "Need to get "*) say "  downloading${line#Need to get}" ;;
+        "Setting up "*)
+            count=$((count + 1))
+            [ $((count % 25)) -ne 0 ] || say "  set up $count packages"
+            ;;
+        esac
+    done
+}
+
 # require_packages PACKAGE...: installs those Debian packages that are missing,
 # as root or through sudo. With all of them present it does nothing at all.
 require_packages() {
@@ -58,10 +73,11 @@ require_packages() {
         apt-get install -y --no-install-recommends -o DPkg::Lock::Timeout=120 $missing)
     # A fresh machine has no package lists, an old one stale ones: both make the
     # first try fail and the one behind the update succeed.
-    if ! "${install[@]}" </dev/null >"$log" 2>&1; then
+    "${install[@]}" </dev/null 2>&1 | apt_progress "$log"
+    if [ -n "$(missing_packages "$@")" ]; then
         say "  fetching the package lists first"
         "${as_root[@]}" apt-get update </dev/null >"$log" 2>&1
-        "${install[@]}" </dev/null >>"$log" 2>&1
+        "${install[@]}" </dev/null 2>&1 | apt_progress "$log"
     fi
     missing=$(missing_packages "$@")
     if [ -n "$missing" ]; then
@@ -74,8 +90,8 @@ require_packages() {
 }
 
 # step LOGFILE TEXT COMMAND...: says what is done, does it with its output in the
-# log, and says how long it took. On failure shows the end of the log; returns
-# the command's status.
+# log, and says how long it took. On failure shows the end of the log, without
+# the tests that passed; returns the command's status.
 step() {
     local log=$1 text=$2 begin=$SECONDS status=0
     shift 2
@@ -85,7 +101,7 @@ step() {
         printf 'ok %5d s\n' $((SECONDS - begin))
     else
         printf 'FAILED\n'
-        tail -n 40 "$log" >&2
+        grep -vE '^ *Start +[0-9]+: | Passed +[0-9.]+ sec$' "$log" | tail -n 60 >&2
     fi
     return "$status"
 }

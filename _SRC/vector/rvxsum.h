@@ -208,7 +208,8 @@ RVX_INLINE void closeTile(const BiasedSum<width> &sum, double bias, double lowSh
     total.high = high.hi;
     total.low = lower.hi;
     total.lowest = total.lowest + (low.lo + lower.lo);
-    constexpr double factor = RVX_TILE_VECTORS * (terms / 2 + 8) * RVX_U;
+    constexpr int roundings = RVX_TILE_VECTORS * (terms / 2 + 8);
+    constexpr double factor = roundings * RVX_U;
     total.bound =
         total.bound + (peak * allLanes(factor * lowShare) + allLanes(factor * RVX_U * bias));
 }
