@@ -310,6 +310,28 @@ TEST(WindowWeights, FormulaWithinTheErrorOfTheRecurrence)
         }
 }
 
+// The weights of a Bartlett window are not added one by one; here they are.
+TEST(WindowWeights, BartlettIsTheRepeatedSumAtEveryLength)
+{
+    std::vector<double> vec;
+    const auto differs = [&](int n) {
+        vec.assign(static_cast<std::size_t>(n), 1.0);
+        rvxdWinBartlett(vec.data(), n);
+        const double step = 2.0 / (n - 1);
+        double weight = 0.0;
+        for (int k = 0; k < n / 2; ++k) {
+            if (vec[static_cast<std::size_t>(k)] != weight)
+                return k;
+            weight += step;
+        }
+        return -1;
+    };
+    for (int n = 4; n <= 3000; ++n)
+        ASSERT_EQ(differs(n), -1) << "first difference, n " << n;
+    for (int n = 3001; n <= 2000000; n += n / 7)
+        ASSERT_EQ(differs(n), -1) << "first difference, n " << n;
+}
+
 TEST(WindowWeights, KnownShortWindows)
 {
     double hann[] = {1.0, 1.0, 1.0};

@@ -18,6 +18,7 @@
 using RvxVector = double __attribute__((vector_size(32)));
 // A typedef, since Clang passes over the alignment in an alias declaration.
 typedef double RvxVectorMem __attribute__((vector_size(32), aligned(8), may_alias));
+using RvxPair = double __attribute__((vector_size(16)));
 using RvxBits = std::int64_t __attribute__((vector_size(32)));
 
 struct Lanes {
@@ -68,9 +69,13 @@ RVX_INLINE Lanes allLanes(ZCplx z)
     return {RvxVector{z.re, z.im, z.re, z.im}};
 }
 
+// Pair by pair: four at once may go through memory, and the load then has to wait
+// for the stores.
 RVX_INLINE Lanes lanesOf(double a, double b, double c, double d)
 {
-    return {RvxVector{a, b, c, d}};
+    const RvxPair low{a, b};
+    const RvxPair high{c, d};
+    return {__builtin_shufflevector(low, high, 0, 1, 2, 3)};
 }
 
 RVX_INLINE Lanes pairLanes(ZCplx first, ZCplx second)

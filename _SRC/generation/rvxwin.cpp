@@ -1,9 +1,10 @@
 // rvxwin: a block times an analysis window, in place.
 //
 // One cosine per call; every further weight follows from the two before it
-// (Goertzel 1958) and serves two mirrored elements. That chain of a product and
-// a difference is what the time goes into: four weights are gathered in lanes
-// and applied at both ends while the next four come.
+// (Goertzel, An algorithm for the evaluation of finite trigonometric series, 1958)
+// and serves two mirrored elements. That chain of a product and a difference is
+// what the time goes into: four weights are gathered in lanes and applied at both
+// ends while the next four come.
 
 #include <cmath>
 
@@ -16,20 +17,45 @@ RVX_MODULE("rvxwin")
 
 namespace {
 
-// A chain runs through the numbers that weights are made of, one after the other
-// from the second on; weights makes them, for four numbers at a time.
+// A chain gives the weights in their order, from the second on, one or four at
+// a time.
 
-// The weights themselves: step, 2 step, 3 step, ... by repeated addition.
+// step, 2 step, 3 step, ... by repeated addition.
+//
+// Between two powers of two, doubles stand equally far apart. There each
+// addition rounds the same way, so that the weights climb by one and the same
+// exact rise, and four of them are known at once. (Should step lie halfway
+// between two doubles, that begins with the second addition, when the weights
+// are even.)
 struct Ramp {
     double step;
     double now = 0.0;
+    double power = 0x1p-31; // the power of two above now, once four() has been there
+    double rise = 1.0;      // too large for power while it is not known
 
     RVX_INLINE double next() { return now += step; }
-    RVX_INLINE Lanes weights(Lanes w) const { return w; }
+    RVX_INLINE Lanes four()
+    {
+        double w0 = now + rise;
+        double w1 = now + 2.0 * rise;
+        double w2 = now + 3.0 * rise;
+        double w3 = now + 4.0 * rise;
+        if (w3 >= power) {
+            w0 = now + step;
+            w1 = w0 + step;
+            w2 = w1 + step;
+            w3 = w2 + step;
+            while (power <= w3)
+                power += power;
+            rise = w1 + w1 >= power ? w3 - w2 : 1.0;
+        }
+        now = w3;
+        return lanesOf(w0, w1, w2, w3);
+    }
 };
 
-// c(k) = amp cos(2 pi k / (n - 1)), and the weight (base - c) - c * c * curve, which
-// a curve of 0 leaves at base - c exactly.
+// (base - c) - c * c * curve, which a curve of 0 leaves at base - c exactly, of
+// c(k) = amp cos(2 pi k / (n - 1)).
 struct CosineSum {
     double doubledCosine;
     double before; // c(k - 1)
@@ -37,15 +63,25 @@ struct CosineSum {
     double base;
     double curve;
 
-    RVX_INLINE double next()
+    RVX_INLINE double nextCosine()
     {
         const double after = doubledCosine * now - before;
         before = now;
         now = after;
         return now;
     }
-    RVX_INLINE Lanes weights(Lanes c) const
+    RVX_INLINE double next()
     {
+        const double c = nextCosine();
+        return (base - c) - (c * c) * curve;
+    }
+    RVX_INLINE Lanes four()
+    {
+        const double c0 = nextCosine();
+        const double c1 = nextCosine();
+        const double c2 = nextCosine();
+        const double c3 = nextCosine();
+        const Lanes c = lanesOf(c0, c1, c2, c3);
         return (allLanes(base) - c) - (c * c) * allLanes(curve);
     }
 };
@@ -82,16 +118,12 @@ RVX_INLINE void weigh(double first, Chain chain, Element *vec, int n)
     scale(vec + n - 1, first);
     int k = 1;
     for (; half - k >= 4; k += 4) {
-        const double c0 = chain.next();
-        const double c1 = chain.next();
-        const double c2 = chain.next();
-        const double c3 = chain.next();
-        const Lanes weights = chain.weights(lanesOf(c0, c1, c2, c3));
+        const Lanes weights = chain.four();
         scaleFour(vec + k, weights);
         scaleFour(vec + n - 4 - k, reversed(weights));
     }
     for (; k < half; ++k) {
-        const double weight = firstLane(chain.weights(allLanes(chain.next())));
+        const double weight = chain.next();
         scale(vec + k, weight);
         scale(vec + n - 1 - k, weight);
     }
