@@ -19,15 +19,27 @@ RVX_INLINE Quad loadFactors(const double *p)
 
 enum { RVX_TRIPLE = 24 };
 
+// The factors of elements i to i+3: W(4P,i), W(4P,2i), W(4P,3i).
+struct Triple {
+    Quad first;
+    Quad second;
+    Quad third;
+};
+
+RVX_INLINE Triple loadTriple(const double *factors)
+{
+    return {loadFactors(factors), loadFactors(factors + 8), loadFactors(factors + 16)};
+}
+
 // Elements i to i+3 of four transforms of P points, which stand in bit-reversed
 // order, to one of 4P points.
 template <typename In, typename Out>
-RVX_INLINE void mergeFour(In in, Out out, int i, int P, const double *factors, Lanes scale)
+RVX_INLINE void mergeFour(In in, Out out, int i, int P, Triple w, Lanes scale)
 {
     Quad a = in.load(i);
-    Quad b = in.load(i + P) * loadFactors(factors + 8);
-    Quad c = in.load(i + 2 * P) * loadFactors(factors);
-    Quad d = in.load(i + 3 * P) * loadFactors(factors + 16);
+    Quad b = in.load(i + P) * w.second;
+    Quad c = in.load(i + 2 * P) * w.first;
+    Quad d = in.load(i + 3 * P) * w.third;
     sumDiff(a, b);
     sumDiff(c, d);
     sumDiff(a, c);
@@ -40,7 +52,7 @@ RVX_INLINE void mergeFour(In in, Out out, int i, int P, const double *factors, L
 
 // The mirror image.
 template <typename In, typename Out>
-RVX_INLINE void splitFour(In in, Out out, int i, int P, const double *factors)
+RVX_INLINE void splitFour(In in, Out out, int i, int P, Triple w)
 {
     Quad a = in.load(i);
     Quad b = in.load(i + P);
@@ -51,25 +63,31 @@ RVX_INLINE void splitFour(In in, Out out, int i, int P, const double *factors)
     sumDiff(a, b);
     sumDiffTurned(c, d);
     out.store(i, a);
-    out.store(i + P, b * loadFactors(factors + 8));
-    out.store(i + 2 * P, c * loadFactors(factors));
-    out.store(i + 3 * P, d * loadFactors(factors + 16));
+    out.store(i + P, b * w.second);
+    out.store(i + 2 * P, c * w.first);
+    out.store(i + 3 * P, d * w.third);
 }
 
+// All transforms of 4P points in N. The same factors serve each of them, so they
+// stay in registers while the transforms are gone through: loads are scarce here.
 template <typename Memory>
 RVX_INLINE void mergePass(Memory memory, int N, int P, const double *factors)
 {
-    for (int start = 0; start < N; start += 4 * P)
-        for (int i = 0; i < P; i += 4)
-            mergeFour(memory, memory, start + i, P, factors + RVX_TRIPLE / 4 * i, allLanes(1.0));
+    for (int i = 0; i < P; i += 4, factors += RVX_TRIPLE) {
+        const Triple w = loadTriple(factors);
+        for (int k = i; k < N; k += 4 * P)
+            mergeFour(memory, memory, k, P, w, allLanes(1.0));
+    }
 }
 
 template <typename Memory>
 RVX_INLINE void splitPass(Memory memory, int N, int P, const double *factors)
 {
-    for (int start = 0; start < N; start += 4 * P)
-        for (int i = 0; i < P; i += 4)
-            splitFour(memory, memory, start + i, P, factors + RVX_TRIPLE / 4 * i);
+    for (int i = 0; i < P; i += 4, factors += RVX_TRIPLE) {
+        const Triple w = loadTriple(factors);
+        for (int k = i; k < N; k += 4 * P)
+            splitFour(memory, memory, k, P, w);
+    }
 }
 
 // The factors of a kernel's pass from P points, when its first radix is R: 3P
@@ -287,8 +305,8 @@ RVX_INLINE void mergeKernel(Memory memory, Out out, int N, int R, const double *
     for (; 4 * P < N; P *= 4)
         mergePass(memory, N, P, passFactors(factors, P, R));
     factors = passFactors(factors, P, R);
-    for (int i = 0; i < P; i += 4)
-        mergeFour(memory, out, i, P, factors + RVX_TRIPLE / 4 * i, allLanes(scale));
+    for (int i = 0; i < P; i += 4, factors += RVX_TRIPLE)
+        mergeFour(memory, out, i, P, loadTriple(factors), allLanes(scale));
 }
 
 // The mirror image.
@@ -297,8 +315,8 @@ RVX_INLINE void splitKernel(In in, Memory memory, int N, int R, const double *fa
 {
     int P = N / 4;
     const double *first = passFactors(factors, P, R);
-    for (int i = 0; i < P; i += 4)
-        splitFour(in, memory, i, P, first + RVX_TRIPLE / 4 * i);
+    for (int i = 0; i < P; i += 4, first += RVX_TRIPLE)
+        splitFour(in, memory, i, P, loadTriple(first));
     for (P /= 4; P >= R; P /= 4)
         splitPass(memory, N, P, passFactors(factors, P, R));
 }
