@@ -193,9 +193,16 @@ std::vector<ZExtended> exactSamples(const std::vector<double> &ccs)
     return dftInHalves(z, 1);
 }
 
-double bound(int order)
+// The largest distance measured, on uniform noise at all orders, was 0.63 for
+// spectra and 1.11 for samples, times the order and half a unit of the last place.
+double spectrumBound(int order)
 {
-    return 0x1p-53 * 4.0 * order;
+    return 0.75 * order * 0x1p-53;
+}
+
+double samplesBound(int order)
+{
+    return 1.25 * order * 0x1p-53;
 }
 
 // The largest distance from the exact spectrum over its root mean square.
@@ -242,12 +249,13 @@ TEST(RealFft, EqualsTheDftAtEveryOrder)
         const int n = 1 << order;
         const std::vector<double> samples = noise(n, 1);
         std::vector<ZExtended> exact = exactSpectrum(samples);
-        EXPECT_LT(relativeError(realFft(samples, order, 1), exact, 1.0L), bound(order)) << order;
+        EXPECT_LT(relativeError(realFft(samples, order, 1), exact, 1.0L), spectrumBound(order))
+            << order;
 
         for (ZExtended &bin : exact)
             bin.im = -bin.im;
         const std::vector<double> scaled = realFft(samples, order, 2);
-        EXPECT_LT(relativeError(scaled, exact, 1.0L / n), bound(order)) << order;
+        EXPECT_LT(relativeError(scaled, exact, 1.0L / n), spectrumBound(order)) << order;
         std::vector<double> unscaled = realFft(samples, order, 2 | 16);
         for (double &x : unscaled)
             x *= 1.0 / n;
@@ -277,7 +285,7 @@ TEST(CcsFft, EqualsTheDftOfTheWholeSpectrumAtEveryOrder)
             worst = std::fmax(worst, std::fabs(inverse[mirrored] * n - x));
             energy += x * x;
         }
-        EXPECT_LT(static_cast<double>(worst / std::sqrt(energy / n)), bound(order)) << order;
+        EXPECT_LT(static_cast<double>(worst / std::sqrt(energy / n)), samplesBound(order)) << order;
         for (int i = 0; i < n; ++i)
             unscaled[static_cast<std::size_t>(i)] *= 1.0 / n;
         expectSameBits(inverse, unscaled, "order " + std::to_string(order));
@@ -295,7 +303,7 @@ TEST(RealFft, ForwardAndCcsInverseUndoEachOther)
         for (int i = 0; i < n; ++i)
             worst = std::fmax(worst, std::fabs(back[static_cast<std::size_t>(i)] -
                                                samples[static_cast<std::size_t>(i)]));
-        EXPECT_LE(worst, 2.0 * bound(order)) << order;
+        EXPECT_LE(worst, 2.0 * samplesBound(order)) << order;
     }
 }
 
@@ -1020,7 +1028,7 @@ TEST(MpyRCPack, IsTheCircularConvolutionOfTheSamples)
         rvxdRealFftl(b.data(), order, 257);
         rvxdMpyRCPack2(a.data(), b.data(), order);
         rvxdCcsFftl(b.data(), order, 1026);
-        const double tolerance = 4.0 * bound(order) * std::sqrt(static_cast<double>(n));
+        const double tolerance = 4.0 * samplesBound(order) * std::sqrt(static_cast<double>(n));
         for (std::size_t i = 0; i < n; ++i)
             EXPECT_NEAR(b[i], expected[i], tolerance) << "order " << order << " at " << i;
     }
