@@ -88,7 +88,7 @@ digest() {
     build "$1" rvx_digest "$2" --preset "$1" && run_tests "$1" "$2" -R '^digest$'
 }
 
-build_and_test dev "GCC, optimised" -DRVX_BUILD_EXAMPLES=ON
+build_and_test dev "GCC, optimised"
 build_and_test clang "Clang, optimised"
 if [ -d build/clang ]; then
     check tidy "clang-tidy" cmake --build build/clang --target tidy -j "$jobs" -- -k 0

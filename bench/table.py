@@ -24,7 +24,11 @@ compiler makes it at `-O3 -march=x86-64-v3`.
 `bench/run.sh` makes this page, `bench/run.sh fft` renews the section of one family.
 
 Last run: {run}.
-{skipped}"""
+{skipped}
+| family | task | sizes | ratio | bar | |
+|---|---|---|---:|---:|---|
+{summary}
+"""
 
 
 def load(path):
@@ -116,6 +120,25 @@ def section(name, context, rows):
     return "\n".join(lines)
 
 
+def summary(name, text):
+    """One line per task of a section: the range of its sizes and ratios."""
+    lines = []
+    for task in re.split(r"^### ", text, flags=re.MULTILINE)[1:]:
+        title = task.splitlines()[0]
+        rows = [[cell.strip() for cell in line.split("|")[1:-1]]
+                for line in task.splitlines() if line.startswith("| ")][1:]
+        rows = [row for row in rows if row[4]]
+        if not rows:
+            continue
+        sizes = rows[0][0] if len(rows) == 1 else f"{rows[0][0]} … {rows[-1][0]}"
+        ratios = sorted((row[4] for row in rows), key=float)
+        ratio = ratios[0] if len(rows) == 1 else f"{ratios[0]} … {ratios[-1]}"
+        above = sum(row[6] == "above" for row in rows)
+        verdict = f"{above} of {len(rows)} above" if above else "ok" if rows[0][5] else ""
+        lines.append(f"| {name} | {title} | {sizes} | {ratio} | {rows[0][5]} | {verdict} |")
+    return lines
+
+
 def sections_of(page):
     if not os.path.exists(page):
         return {}
@@ -133,7 +156,9 @@ def main(page, results):
         repetitions = max(len(values) for times in rows.values() for values in times.values())
     absent = [name for name, version in peers(context).items() if not version]
     skipped = "".join(f"\n{name} is not installed: its rows are skipped.\n" for name in absent)
-    head = HEAD.format(repetitions=repetitions, run=describe(context), skipped=skipped)
+    overview = [line for name in sorted(sections) for line in summary(name, sections[name])]
+    head = HEAD.format(repetitions=repetitions, run=describe(context), skipped=skipped,
+                       summary="\n".join(overview))
     os.makedirs(os.path.dirname(page) or ".", exist_ok=True)
     with open(page, "w", encoding="utf-8") as file:
         file.write("\n".join([head] + [sections[name] for name in sorted(sections)]))
