@@ -20,6 +20,8 @@ using RvxVector = double __attribute__((vector_size(32)));
 typedef double RvxVectorMem __attribute__((vector_size(32), aligned(8), may_alias));
 using RvxPair = double __attribute__((vector_size(16)));
 using RvxBits = std::int64_t __attribute__((vector_size(32)));
+using RvxWords = std::uint32_t __attribute__((vector_size(32)));
+using RvxSignedWords = std::int32_t __attribute__((vector_size(32)));
 
 struct Lanes {
     RvxVector v;
@@ -28,6 +30,13 @@ struct Lanes {
 RVX_INLINE Lanes loadLanes(const double *p)
 {
     return {*reinterpret_cast<const RvxVectorMem *>(p)};
+}
+
+// The same for a value that is used as doubles and as words: a compiler would load
+// it for each, and loads are what such kernels wait for.
+RVX_INLINE Lanes loadLanesOnce(const double *p)
+{
+    return {*reinterpret_cast<const volatile RvxVectorMem *>(p)};
 }
 
 RVX_INLINE Lanes loadLanes(const ZCplx *p)
@@ -198,6 +207,27 @@ RVX_INLINE Lanes minLanes(Lanes m, Lanes x)
     return {x.v < m.v ? x.v : m.v};
 }
 
+// The larger of the 32-bit words at each place, without or with their signs. These
+// run beside additions, which take the same units as maxLanes.
+RVX_INLINE Lanes maxWords(Lanes m, Lanes x)
+{
+    const auto a = (RvxWords)m.v, b = (RvxWords)x.v;
+    return {(RvxVector)(b > a ? b : a)};
+}
+
+RVX_INLINE Lanes maxSignedWords(Lanes m, Lanes x)
+{
+    const auto a = (RvxSignedWords)m.v, b = (RvxSignedWords)x.v;
+    return {(RvxVector)(b > a ? b : a)};
+}
+
+// At least m and |x|, and at most 2^-20 above the larger of them; infinite or NaN
+// when x is.
+RVX_INLINE Lanes maxMagnitude(Lanes m, Lanes x)
+{
+    return maxWords(m, absLanes(x));
+}
+
 // 1.0 where x is strictly above m, 0.0 elsewhere.
 RVX_INLINE Lanes oneWhereAbove(Lanes x, Lanes m)
 {
@@ -213,12 +243,6 @@ struct LaneMask {
 RVX_INLINE LaneMask operator|(LaneMask a, LaneMask b)
 {
     return {a.b | b.b};
-}
-
-// Where one of the two, or both, is a NaN.
-RVX_INLINE LaneMask isUnordered(Lanes a, Lanes b)
-{
-    return {(a.v != a.v) | (b.v != b.v)};
 }
 
 RVX_INLINE LaneMask isEqual(Lanes a, Lanes b)

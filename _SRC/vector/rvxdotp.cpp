@@ -16,100 +16,105 @@ RVX_MODULE("rvxdotp")
 namespace {
 
 // a[i] * b[i], real.
+template <bool isSized>
 struct RealProducts {
-    static constexpr int sums = 1, width = 4, stepLen = 16;
+    static constexpr bool sized = isSized;
+    static constexpr int sums = 1, width = 4, stepLen = 16, tileSteps = 32;
     const double *a, *b;
+    std::ptrdiff_t n;
 
     RVX_INLINE static constexpr double lowShare(int) { return 0x1p-24; }
     RVX_INLINE static Lanes bound(int, Peaks peaks) { return peaks.a * peaks.b; }
+    template <typename Load>
     RVX_INLINE void step(std::ptrdiff_t i, BiasedSum<4> *sum, Peaks &peaks) const
     {
         for (int j = 0; j < 4; ++j) {
-            const Lanes p = loadLanes(a + i + 4 * j);
-            const Lanes q = loadLanes(b + i + 4 * j);
-            peaks = {maxLanes(peaks.a, absLanes(p)), maxLanes(peaks.b, absLanes(q))};
-            addProduct(*sum, j, p, highPart(p), q, highPart(q));
+            const Lanes p = Load::from(a, i + 4 * j, n);
+            const Lanes q = Load::from(b, i + 4 * j, n);
+            peaks = {maxMagnitude(peaks.a, p), maxMagnitude(peaks.b, q)};
+            addProduct<sized>(*sum, j, p, split(p), split(q));
         }
-    }
-    RVX_INLINE RealProducts tail(std::ptrdiff_t i, std::ptrdiff_t n, TailRoom &room) const
-    {
-        return {zeroPadded(a + i, n, room.a), zeroPadded(b + i, n, room.b)};
     }
 };
 
 // z[i] * x[i], complex by real: both parts of each element side by side.
+template <bool isSized>
 struct MixedProducts {
-    static constexpr int sums = 1, width = 4, stepLen = 8;
+    static constexpr bool sized = isSized;
+    static constexpr int sums = 1, width = 4, stepLen = 8, tileSteps = 32;
     const double *z, *x;
+    std::ptrdiff_t n;
 
     RVX_INLINE static constexpr double lowShare(int) { return 0x1p-24; }
-    RVX_INLINE static Lanes bound(int, Peaks peaks)
-    {
-        const Lanes real = maxLanes(peaks.b, swapHalves(peaks.b));
-        return peaks.a * maxLanes(real, swapParts(real));
-    }
+    RVX_INLINE static Lanes bound(int, Peaks peaks) { return peaks.a * peaks.b; }
+    template <typename Load>
     RVX_INLINE void step(std::ptrdiff_t i, BiasedSum<4> *sum, Peaks &peaks) const
     {
-        for (int j = 0; j < 4; j += 2) {
-            const Lanes real = loadLanes(x + i + 2 * j);
-            const Lanes realHigh = highPart(real);
-            peaks.b = maxLanes(peaks.b, absLanes(real));
-            const Lanes p = loadLanes(z + 2 * i + 4 * j);
-            const Lanes q = loadLanes(z + 2 * i + 4 * j + 4);
-            peaks.a = maxLanes(maxLanes(peaks.a, absLanes(p)), absLanes(q));
-            addProduct(*sum, j, p, highPart(p), lowTwice(real), lowTwice(realHigh));
-            addProduct(*sum, j + 1, q, highPart(q), highTwice(real), highTwice(realHigh));
+        for (int j = 0; j < 4; ++j) {
+            const Lanes p = Load::from(z, 2 * i + 4 * j, 2 * n);
+            const Lanes q = Load::twiceFrom(x, i + 2 * j, n);
+            peaks = {maxMagnitude(peaks.a, p), maxMagnitude(peaks.b, q)};
+            addProduct<sized>(*sum, j, p, split(p), split(q));
         }
-    }
-    RVX_INLINE MixedProducts tail(std::ptrdiff_t i, std::ptrdiff_t n, TailRoom &room) const
-    {
-        return {zeroPadded(z + 2 * i, 2 * n, room.a), zeroPadded(x + i, n, room.b)};
     }
 };
 
-// a[i] * b[i], complex: the even lanes take both products of the real part, the
-// odd ones those of the imaginary part.
+// a[i] * b[i], complex, as two sums: of (re re, im im), whose difference is the real
+// part, and of (re im, im re), whose sum is the imaginary part.
+template <bool isSized>
 struct CplxProducts {
-    static constexpr int sums = 1, width = 4, stepLen = 4;
+    static constexpr bool sized = isSized;
+    static constexpr int sums = 2, width = 2, stepLen = 4, tileSteps = 64;
     const double *a, *b;
+    std::ptrdiff_t n;
 
     RVX_INLINE static constexpr double lowShare(int) { return 0x1p-24; }
-    RVX_INLINE static Lanes bound(int, Peaks peaks)
+    RVX_INLINE static Lanes bound(int s, Peaks peaks)
     {
-        return realParts(peaks.a) * peaks.b + imagParts(peaks.a) * swapParts(peaks.b);
+        return peaks.a * (s == 0 ? peaks.b : swapParts(peaks.b));
     }
-    RVX_INLINE void step(std::ptrdiff_t i, BiasedSum<4> *sum, Peaks &peaks) const
+    template <typename Load>
+    RVX_INLINE void step(std::ptrdiff_t i, BiasedSum<2> *sum, Peaks &peaks) const
     {
         for (int j = 0; j < 2; ++j) {
-            const Lanes p = loadLanes(a + 2 * i + 4 * j);
-            const Lanes q = loadLanes(b + 2 * i + 4 * j);
-            peaks = {maxLanes(peaks.a, absLanes(p)), maxLanes(peaks.b, absLanes(q))};
-            const Lanes pHigh = highPart(p);
-            const Lanes qHigh = highPart(q);
-            addProduct(*sum, 2 * j, realParts(p), realParts(pHigh), q, qHigh);
-            addProduct(*sum, 2 * j + 1, imagParts(p), imagParts(pHigh), negateEven(swapParts(q)),
-                       negateEven(swapParts(qHigh)));
+            const Lanes p = Load::from(a, 2 * i + 4 * j, 2 * n);
+            const Lanes q = Load::from(b, 2 * i + 4 * j, 2 * n);
+            peaks = {maxMagnitude(peaks.a, p), maxMagnitude(peaks.b, q)};
+            const SplitLanes first = split(p), second = split(q);
+            addProduct<sized>(sum[0], j, p, first, second);
+            addProduct<sized>(sum[1], j, p, first, {swapParts(second.high), swapParts(second.low)});
         }
-    }
-    RVX_INLINE CplxProducts tail(std::ptrdiff_t i, std::ptrdiff_t n, TailRoom &room) const
-    {
-        return {zeroPadded(a + 2 * i, 2 * n, room.a), zeroPadded(b + 2 * i, 2 * n, room.b)};
     }
 };
 
-RVX_KERNEL void boundRealProducts(const double *a, const double *b, int n, BoundedSum *sum)
+RVX_KERNEL void boundRealProducts(bool sized, const double *a, const double *b, int n,
+                                  BoundedSum *sum)
 {
-    boundedSums<1>(RealProducts{a, b}, n, sum);
+    if (sized)
+        boundedSums<1>(RealProducts<true>{a, b, n}, sum);
+    else
+        boundedSums<1>(RealProducts<false>{a, b, n}, sum);
 }
 
-RVX_KERNEL void boundMixedProducts(const double *z, const double *x, int n, BoundedSum *sum)
+RVX_KERNEL void boundMixedProducts(bool sized, const double *z, const double *x, int n,
+                                   BoundedSum *sum)
 {
-    boundedSums<2>(MixedProducts{z, x}, n, sum);
+    if (sized)
+        boundedSums<2>(MixedProducts<true>{z, x, n}, sum);
+    else
+        boundedSums<2>(MixedProducts<false>{z, x, n}, sum);
 }
 
-RVX_KERNEL void boundCplxProducts(const double *a, const double *b, int n, BoundedSum *sum)
+RVX_KERNEL void boundCplxProducts(bool sized, const double *a, const double *b, int n,
+                                  BoundedSum *sum)
 {
-    boundedSums<2>(CplxProducts{a, b}, n, sum);
+    BoundedSum parts[4];
+    if (sized)
+        boundedSums<2>(CplxProducts<true>{a, b, n}, parts);
+    else
+        boundedSums<2>(CplxProducts<false>{a, b, n}, parts);
+    sum[0] = combined(parts[0], -1.0, parts[1]);
+    sum[1] = combined(parts[2], 1.0, parts[3]);
 }
 
 const double *partsOf(const ZCplx *z)
@@ -152,15 +157,19 @@ ZCplx addUp(const ZCplx *z, const double *x, int n)
     return {static_cast<double>(re), static_cast<double>(im)};
 }
 
-// Below this length the sum in Extended takes less time than the lanes' start.
-constexpr int shortLen = 24;
+// Below these lengths the sums in Extended take less time than the lanes' start.
+constexpr int shortReal = 128;
+constexpr int shortMixed = 112;
+constexpr int shortCplx = 64;
+
+// Each is tried with the quick bound, then with the close one.
 
 double dotProduct(const double *a, const double *b, int n)
 {
-    if (n >= shortLen) {
+    for (int sized = 0; n >= shortReal && sized < 2; ++sized) {
         BoundedSum sum;
         double result;
-        boundRealProducts(a, b, n, &sum);
+        boundRealProducts(sized != 0, a, b, n, &sum);
         if (roundedSum(sum, &result))
             return result;
     }
@@ -169,10 +178,10 @@ double dotProduct(const double *a, const double *b, int n)
 
 ZCplx dotProduct(const ZCplx *a, const ZCplx *b, int n)
 {
-    if (n >= shortLen) {
+    for (int sized = 0; n >= shortCplx && sized < 2; ++sized) {
         BoundedSum sum[2];
         ZCplx result;
-        boundCplxProducts(partsOf(a), partsOf(b), n, sum);
+        boundCplxProducts(sized != 0, partsOf(a), partsOf(b), n, sum);
         if (roundedSum(sum[0], &result.re) && roundedSum(sum[1], &result.im))
             return result;
     }
@@ -181,10 +190,10 @@ ZCplx dotProduct(const ZCplx *a, const ZCplx *b, int n)
 
 ZCplx dotProduct(const ZCplx *z, const double *x, int n)
 {
-    if (n >= shortLen) {
+    for (int sized = 0; n >= shortMixed && sized < 2; ++sized) {
         BoundedSum sum[2];
         ZCplx result;
-        boundMixedProducts(partsOf(z), x, n, sum);
+        boundMixedProducts(sized != 0, partsOf(z), x, n, sum);
         if (roundedSum(sum[0], &result.re) && roundedSum(sum[1], &result.im))
             return result;
     }

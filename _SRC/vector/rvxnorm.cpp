@@ -22,19 +22,19 @@ namespace {
 
 struct OneBlock {
     const double *a;
-    RVX_INLINE Lanes at(std::ptrdiff_t i) const { return loadLanes(a + i); }
-    RVX_INLINE OneBlock tail(std::ptrdiff_t i, std::ptrdiff_t n, TailRoom &room) const
+    template <typename Load>
+    RVX_INLINE Lanes from(std::ptrdiff_t i, std::ptrdiff_t n) const
     {
-        return {zeroPadded(a + i, n, room.a)};
+        return Load::from(a, i, n);
     }
 };
 
 struct TwoBlocks {
     const double *a, *b;
-    RVX_INLINE Lanes at(std::ptrdiff_t i) const { return loadLanes(a + i) - loadLanes(b + i); }
-    RVX_INLINE TwoBlocks tail(std::ptrdiff_t i, std::ptrdiff_t n, TailRoom &room) const
+    template <typename Load>
+    RVX_INLINE Lanes from(std::ptrdiff_t i, std::ptrdiff_t n) const
     {
-        return {zeroPadded(a + i, n, room.a), zeroPadded(b + i, n, room.b)};
+        return Load::from(a, i, n) - Load::from(b, i, n);
     }
 };
 
@@ -67,13 +67,10 @@ RVX_INLINE double largestMagnitude(const Source &source, std::ptrdiff_t n)
     std::ptrdiff_t i = 0;
     for (; i < n - 15; i += 16)
         for (int j = 0; j < 4; ++j)
-            best[j] = maxLanes(best[j], magnitude<cplx>(source.at(i + 4 * j)));
-    if (i < n) {
-        TailRoom room;
-        const Source tail = source.tail(i, n - i, room);
-        for (int j = 0; j < 4; ++j)
-            best[j] = maxLanes(best[j], magnitude<cplx>(tail.at(4 * j)));
-    }
+            best[j] =
+                maxLanes(best[j], magnitude<cplx>(source.template from<LoadWhole>(i + 4 * j, n)));
+    for (; i < n; i += 4)
+        best[0] = maxLanes(best[0], magnitude<cplx>(source.template from<LoadTail>(i, n)));
     return largestLane(maxLanes(maxLanes(best[0], best[1]), maxLanes(best[2], best[3])));
 }
 
@@ -95,61 +92,59 @@ RVX_KERNEL double largestCplx(const double *a, const double *b, std::ptrdiff_t n
 // |d|
 template <typename Source>
 struct Magnitudes {
-    static constexpr int sums = 1, width = 4, stepLen = 16;
+    static constexpr bool sized = false;
+    static constexpr int sums = 1, width = 4, stepLen = 16, tileSteps = 256;
     Source source;
+    std::ptrdiff_t n;
 
     RVX_INLINE static constexpr double lowShare(int) { return 0.0; }
     RVX_INLINE static Lanes bound(int, Peaks peaks) { return peaks.a; }
+    template <typename Load>
     RVX_INLINE void step(std::ptrdiff_t i, BiasedSum<4> *sum, Peaks &peaks) const
     {
         for (int j = 0; j < 4; ++j) {
-            const Lanes d = absLanes(source.at(i + 4 * j));
-            peaks.a = maxLanes(peaks.a, d);
+            const Lanes d = absLanes(source.template from<Load>(i + 4 * j, n));
+            peaks.a = maxWords(peaks.a, d);
             addTerm(*sum, j, d);
         }
-    }
-    RVX_INLINE Magnitudes tail(std::ptrdiff_t i, std::ptrdiff_t n, TailRoom &room) const
-    {
-        return {source.tail(i, n, room)};
     }
 };
 
 // d^2, which serves real and complex blocks alike
 template <typename Source>
 struct Squares {
-    static constexpr int sums = 1, width = 4, stepLen = 16;
+    static constexpr bool sized = false;
+    static constexpr int sums = 1, width = 4, stepLen = 16, tileSteps = 64;
     Source source;
+    std::ptrdiff_t n;
 
     RVX_INLINE static constexpr double lowShare(int) { return 0x1p-24; }
     RVX_INLINE static Lanes bound(int, Peaks peaks) { return peaks.a * peaks.a; }
+    template <typename Load>
     RVX_INLINE void step(std::ptrdiff_t i, BiasedSum<4> *sum, Peaks &peaks) const
     {
         for (int j = 0; j < 4; ++j) {
-            const Lanes d = source.at(i + 4 * j);
-            peaks.a = maxLanes(peaks.a, absLanes(d));
-            addSquare(*sum, j, d);
+            const Lanes d = source.template from<Load>(i + 4 * j, n);
+            peaks.a = maxMagnitude(peaks.a, d);
+            addSquare(*sum, j, d, split(d));
         }
-    }
-    RVX_INLINE Squares tail(std::ptrdiff_t i, std::ptrdiff_t n, TailRoom &room) const
-    {
-        return {source.tail(i, n, room)};
     }
 };
 
 RVX_KERNEL void boundMagnitudes(const double *a, const double *b, std::ptrdiff_t n, BoundedSum *sum)
 {
     if (b == nullptr)
-        boundedSums<1>(Magnitudes<OneBlock>{{a}}, n, sum);
+        boundedSums<1>(Magnitudes<OneBlock>{{a}, n}, sum);
     else
-        boundedSums<1>(Magnitudes<TwoBlocks>{{a, b}}, n, sum);
+        boundedSums<1>(Magnitudes<TwoBlocks>{{a, b}, n}, sum);
 }
 
 RVX_KERNEL void boundSquares(const double *a, const double *b, std::ptrdiff_t n, BoundedSum *sum)
 {
     if (b == nullptr)
-        boundedSums<1>(Squares<OneBlock>{{a}}, n, sum);
+        boundedSums<1>(Squares<OneBlock>{{a}, n}, sum);
     else
-        boundedSums<1>(Squares<TwoBlocks>{{a, b}}, n, sum);
+        boundedSums<1>(Squares<TwoBlocks>{{a, b}, n}, sum);
 }
 
 // ---------------------------------------------------------------------------
@@ -225,12 +220,21 @@ double largest(const ZCplx *a, const ZCplx *b, int n)
     return std::sqrt(largestCplx(parts(a), parts(b), partCount<ZCplx>(n)));
 }
 
+// Below these numbers of doubles the sums in Extended take less time than the lanes'
+// start.
+constexpr int shortMagnitudes = 24;
+constexpr int shortSquares = 80;
+
 double sumOfMagnitudes(const double *a, const double *b, int n)
 {
-    BoundedSum sum;
-    double result;
-    boundMagnitudes(a, b, n, &sum);
-    return roundedSum(sum, &result) ? result : addMagnitudes(a, b, n);
+    if (n >= shortMagnitudes) {
+        BoundedSum sum;
+        double result;
+        boundMagnitudes(a, b, n, &sum);
+        if (roundedSum(sum, &result))
+            return result;
+    }
+    return addMagnitudes(a, b, n);
 }
 
 double sumOfMagnitudes(const ZCplx *a, const ZCplx *b, int n)
@@ -241,10 +245,14 @@ double sumOfMagnitudes(const ZCplx *a, const ZCplx *b, int n)
 template <typename Element>
 double sumOfSquares(const Element *a, const Element *b, int n)
 {
-    BoundedSum sum;
-    double result;
-    boundSquares(parts(a), parts(b), partCount<Element>(n), &sum);
-    return roundedSum(sum, &result) ? result : addSquares(a, b, n);
+    if (partCount<Element>(n) >= shortSquares) {
+        BoundedSum sum;
+        double result;
+        boundSquares(parts(a), parts(b), partCount<Element>(n), &sum);
+        if (roundedSum(sum, &result))
+            return result;
+    }
+    return addSquares(a, b, n);
 }
 
 template <typename Element>

@@ -58,9 +58,6 @@ RVX_INLINE Lanes highPart(Lanes x)
 // ---------------------------------------------------------------------------
 // One tile of terms.
 
-// Vectors of terms in a tile, of one sum.
-constexpr int RVX_TILE_VECTORS = 128;
-
 // Operands stay below the limit and results above 1 / limit^2, or the sum is given
 // up. So nothing overflows here, and underflow, also in the halves of subnormal
 // operands, is less than the smallest bias's share of the bound.
@@ -72,15 +69,17 @@ template <int width>
 struct BiasedSum {
     Lanes top[width];
     Lanes rest[width];
+    Lanes size; // the sum of magnitudes, where it is asked for
 };
 
 template <int width>
 RVX_INLINE void startAt(double bias, BiasedSum<width> &sum)
 {
     for (int j = 0; j < width; ++j) {
-        sum.top[j] = allLanes(bias);
-        sum.rest[j] = allLanes(0.0);
+        sum.top[j].v = allLanes(bias).v;
+        sum.rest[j].v = allLanes(0.0).v;
     }
+    sum.size.v = allLanes(0.0).v;
 }
 
 // Adds x to accumulator j.
@@ -88,8 +87,8 @@ template <int width>
 RVX_INLINE void addTerm(BiasedSum<width> &sum, int j, Lanes x)
 {
     const Lanes top = sum.top[j] + x;
-    sum.rest[j] = sum.rest[j] + (x - (top - sum.top[j]));
-    sum.top[j] = top;
+    sum.rest[j].v += (x - (top - sum.top[j])).v;
+    sum.top[j].v = top.v;
 }
 
 // Adds x + low, where low is much smaller than x.
@@ -97,28 +96,40 @@ template <int width>
 RVX_INLINE void addTerm(BiasedSum<width> &sum, int j, Lanes x, Lanes low)
 {
     const Lanes top = sum.top[j] + x;
-    sum.rest[j] = sum.rest[j] + ((x - (top - sum.top[j])) + low);
-    sum.top[j] = top;
+    sum.rest[j].v += ((x - (top - sum.top[j])) + low).v;
+    sum.top[j].v = top.v;
 }
 
-// Adds a * b, both given with their high parts. low stays below 2^-24 |a b| and its
-// roundings below 2 U 2^-24 |a b|.
-template <int width>
-RVX_INLINE void addProduct(BiasedSum<width> &sum, int j, Lanes a, Lanes aHigh, Lanes b, Lanes bHigh)
+// A factor in two parts that add up to it exactly.
+struct SplitLanes {
+    Lanes high, low;
+};
+
+RVX_INLINE SplitLanes split(Lanes x)
 {
-    addTerm(sum, j, aHigh * bHigh, aHigh * (b - bHigh) + (a - aHigh) * b);
+    const Lanes high = highPart(x);
+    return {high, x - high};
+}
+
+// Adds (a.high + a.low) * (b.high + b.low), where whole is a. The low part of the
+// product stays below 2^-24 of it and the roundings of that below 2 U 2^-24.
+template <bool sized, int width>
+RVX_INLINE void addProduct(BiasedSum<width> &sum, int j, Lanes whole, SplitLanes a, SplitLanes b)
+{
+    const Lanes product = a.high * b.high;
+    addTerm(sum, j, product, a.low * b.high + whole * b.low);
+    if (sized)
+        sum.size.v += absLanes(product).v;
 }
 
 // Adds a * a, under the same bounds.
 template <int width>
-RVX_INLINE void addSquare(BiasedSum<width> &sum, int j, Lanes a)
+RVX_INLINE void addSquare(BiasedSum<width> &sum, int j, Lanes whole, SplitLanes a)
 {
-    const Lanes high = highPart(a);
-    addTerm(sum, j, high * high, (a - high) * (a + high));
+    addTerm(sum, j, a.high * a.high, a.low * (whole + a.high));
 }
 
-// The largest magnitudes of the operands so far, lane by lane. NaNs are passed
-// over: they show in the sum.
+// Bounds on the magnitudes of the operands so far, lane by lane, by maxMagnitude.
 struct Peaks {
     Lanes a, b;
 };
@@ -127,25 +138,45 @@ struct Peaks {
 // All tiles.
 //
 // Terms says what is added:
+//   n                elements, not less than stepLen
 //   sums, width      sums that run side by side, accumulators of each
 //   stepLen          elements that width vectors of terms take
+//   tileSteps        steps in a tile: more make the bound wider, less take longer
+//   sized            whether the sums of magnitudes are made too: one more addition
+//                    for each term, and a bound that does not take all for the peak
 //   lowShare(s)      how large the low parts of sum s's terms may be, as a share
-//   step(i, sum, peaks)
-//                    adds the terms of the elements from i on
-//   tail(i, n, room) the same Terms on n < stepLen elements from i, with zeros behind
+//   step<Load>(i, sum, peaks)
+//                    adds the terms of the stepLen elements from i on
 //   bound(s, peaks)  lane by lane, the most that the terms of sum s can be
 
-struct TailRoom {
-    double a[16], b[16];
+// Four doubles of a block of n, from i on, or two, each twice.
+struct LoadWhole {
+    RVX_INLINE static Lanes from(const double *p, std::ptrdiff_t i, std::ptrdiff_t)
+    {
+        return loadLanes(p + i);
+    }
+    RVX_INLINE static Lanes twiceFrom(const double *p, std::ptrdiff_t i, std::ptrdiff_t)
+    {
+        return {RvxVector{p[i], p[i], p[i + 1], p[i + 1]}};
+    }
 };
 
-// n doubles of src with zeros behind them, 16 in all.
-RVX_INLINE const double *zeroPadded(const double *src, std::ptrdiff_t n, double *room)
-{
-    std::memset(room, 0, 16 * sizeof *room);
-    std::memcpy(room, src, static_cast<std::size_t>(n) * sizeof *room);
-    return room;
-}
+// The same at the end of the block, with zeros behind it.
+struct LoadTail {
+    RVX_INLINE static double one(const double *p, std::ptrdiff_t i, std::ptrdiff_t n)
+    {
+        return i < n ? p[i] : 0.0;
+    }
+    RVX_INLINE static Lanes from(const double *p, std::ptrdiff_t i, std::ptrdiff_t n)
+    {
+        return {RvxVector{one(p, i, n), one(p, i + 1, n), one(p, i + 2, n), one(p, i + 3, n)}};
+    }
+    RVX_INLINE static Lanes twiceFrom(const double *p, std::ptrdiff_t i, std::ptrdiff_t n)
+    {
+        const double first = one(p, i, n), second = one(p, i + 1, n);
+        return {RvxVector{first, first, second, second}};
+    }
+};
 
 // Adds up over tiles, exactly down to lowest.
 struct Totals {
@@ -162,40 +193,29 @@ RVX_INLINE double largestLane(Lanes x)
 
 // A bias stands so far above its terms that an accumulator never moves by a
 // quarter of it, and all accumulators of a lane together by no more than it.
-template <int width>
-RVX_INLINE bool biasFits(double bias, double peak)
+template <typename Terms>
+RVX_INLINE bool biasIsLow(double bias, double peak)
 {
-    constexpr int terms = RVX_TILE_VECTORS / width;
-    return 8 * terms * peak <= bias;
+    return 8 * Terms::tileSteps * peak > bias;
 }
 
-// A power of two that fits, and still does when the terms become 16 times larger.
-template <int width>
+// A power of two that is not too low, even when the terms become 16 times larger.
+template <typename Terms>
 RVX_INLINE double biasAbove(double peak)
 {
-    constexpr int terms = RVX_TILE_VECTORS / width;
     std::uint64_t bits;
     std::memcpy(&bits, &peak, sizeof bits);
     bits &= 0x7ff0000000000000;
     double power;
     std::memcpy(&power, &bits, sizeof power);
-    const double bias = 256.0 * terms * power;
+    const double bias = 256.0 * Terms::tileSteps * power;
     return bias > RVX_SMALLEST_BIAS ? bias : RVX_SMALLEST_BIAS;
 }
 
 // Takes a tile's sum into the totals.
-//
-// What a tile is off by, lane by lane: with r = share peak + U bias, which every
-// term's rest keeps below, an accumulator of k terms rounds its k additions by at
-// most U r (1 + 2 + ... + k), the low parts round by 2 U r for each term, their
-// addition by U r, and joining the accumulators by 2 U r. That is less than
-// (k / 2 + 6) U r for each term; the 8 leaves room for the terms of second order
-// and for the totals, which are exact to U^2 of the sum of magnitudes.
 template <int width>
-RVX_INLINE void closeTile(const BiasedSum<width> &sum, double bias, double lowShare, Lanes peak,
-                          Totals &total)
+RVX_INLINE void closeTile(const BiasedSum<width> &sum, double bias, Lanes bound, Totals &total)
 {
-    constexpr int terms = RVX_TILE_VECTORS / width;
     Lanes top = sum.top[0] - allLanes(bias);
     Lanes rest = sum.rest[0];
     for (int j = 1; j < width; ++j) {
@@ -208,106 +228,110 @@ RVX_INLINE void closeTile(const BiasedSum<width> &sum, double bias, double lowSh
     total.high = high.hi;
     total.low = lower.hi;
     total.lowest = total.lowest + (low.lo + lower.lo);
-    constexpr int roundings = RVX_TILE_VECTORS * (terms / 2 + 8);
-    constexpr double factor = roundings * RVX_U;
-    total.bound =
-        total.bound + (peak * allLanes(factor * lowShare) + allLanes(factor * RVX_U * bias));
+    total.bound = total.bound + bound;
 }
 
-// The sums of all n elements' terms; false when one was given up.
+// What a tile is off by, lane by lane. With r = share peak + U bias, which every
+// term's rest keeps below, an accumulator of k terms rounds its k additions by at
+// most U r (1 + 2 + ... + k), the low parts round by 2 U r for each term, their
+// addition by U r, joining the accumulators by 2 U r and joining the lanes by 4 U r.
+// That is less than (k / 2 + 10) U r for each term; the 12 leaves room for what is
+// of second order: the totals are exact to U^2 of the sum of magnitudes.
+//
+// Where the sum of magnitudes is known, the part of r that is not the bias's adds up
+// to share size over all terms, and each is in at most k of the sums.
 template <typename Terms>
-RVX_INLINE bool sumTiles(const Terms &terms, std::ptrdiff_t n, Totals *totals, Peaks &allPeaks)
+RVX_INLINE Lanes tileBound(int s, const BiasedSum<Terms::width> &sum, double bias, Lanes peak)
+{
+    constexpr int k = Terms::tileSteps;
+    constexpr int roundings = Terms::width * k * (k / 2 + 12);
+    constexpr double all = roundings * RVX_U;
+    const double share = Terms::lowShare(s);
+    const Lanes low =
+        Terms::sized ? sum.size * allLanes((k + 12) * RVX_U * share) : peak * allLanes(all * share);
+    return low + allLanes(all * RVX_U * bias);
+}
+
+// The sums of all terms; false when they were given up.
+template <typename Terms>
+RVX_INLINE bool sumTiles(const Terms &terms, Totals *totals, Peaks &allPeaks)
 {
     constexpr int width = Terms::width;
-    constexpr std::ptrdiff_t tileLen = RVX_TILE_VECTORS / width * Terms::stepLen;
+    constexpr std::ptrdiff_t tileLen = Terms::tileSteps * Terms::stepLen;
     const Lanes zero = allLanes(0.0);
-    BiasedSum<width> sum[Terms::sums];
+    BiasedSum<width> sum[Terms::sums] = {};
     double bias[Terms::sums];
-    TailRoom room;
-    Peaks peaks = {zero, zero};
 
-    // The first step is made once for its peaks alone.
-    for (int s = 0; s < Terms::sums; ++s)
-        startAt(0.0, sum[s]);
-    if (n < Terms::stepLen)
-        terms.tail(0, n, room).step(0, sum, peaks);
-    else
-        terms.step(0, sum, peaks);
+    // The first step tells what to expect.
+    Peaks peaks = {zero, zero};
+    terms.template step<LoadWhole>(0, sum, peaks);
     for (int s = 0; s < Terms::sums; ++s) {
         totals[s] = {zero, zero, zero, zero};
-        bias[s] = biasAbove<width>(largestLane(Terms::bound(s, peaks)));
+        bias[s] = biasAbove<Terms>(largestLane(Terms::bound(s, peaks)));
     }
     allPeaks = {zero, zero};
 
-    for (std::ptrdiff_t from = 0; from < n;) {
-        const std::ptrdiff_t here = n - from < tileLen ? n - from : tileLen;
-        const std::ptrdiff_t whole = here / Terms::stepLen * Terms::stepLen;
+    for (std::ptrdiff_t from = 0; from < terms.n;) {
+        const std::ptrdiff_t left = terms.n - from;
+        const std::ptrdiff_t end = from + (left < tileLen ? left : tileLen);
+        peaks = {zero, zero};
         for (int s = 0; s < Terms::sums; ++s)
             startAt(bias[s], sum[s]);
-        peaks = {zero, zero};
-        for (std::ptrdiff_t i = 0; i < whole; i += Terms::stepLen)
-            terms.step(from + i, sum, peaks);
-        if (whole < here)
-            terms.tail(from + whole, here - whole, room).step(0, sum, peaks);
+        std::ptrdiff_t i = from;
+        for (; i + Terms::stepLen <= end; i += Terms::stepLen)
+            terms.template step<LoadWhole>(i, sum, peaks);
+        if (i < end)
+            terms.template step<LoadTail>(i, sum, peaks);
 
-        if (!(largestLane(maxLanes(peaks.a, peaks.b)) <= RVX_OPERAND_LIMIT))
-            return false;
-        bool fits = true;
+        // A tile whose terms outgrew the bias is made again.
+        bool again = false;
         for (int s = 0; s < Terms::sums; ++s) {
             const double peak = largestLane(Terms::bound(s, peaks));
-            if (!biasFits<width>(bias[s], peak)) {
-                bias[s] = biasAbove<width>(peak);
-                fits = false;
+            if (biasIsLow<Terms>(bias[s], peak)) {
+                bias[s] = biasAbove<Terms>(peak);
+                again = true;
             }
         }
-        if (!fits)
+        if (again)
             continue;
         for (int s = 0; s < Terms::sums; ++s)
-            closeTile(sum[s], bias[s], Terms::lowShare(s), Terms::bound(s, peaks), totals[s]);
-        allPeaks = {maxLanes(allPeaks.a, peaks.a), maxLanes(allPeaks.b, peaks.b)};
-        from += here;
+            closeTile(sum[s], bias[s], tileBound<Terms>(s, sum[s], bias[s], Terms::bound(s, peaks)),
+                      totals[s]);
+        allPeaks = {maxMagnitude(allPeaks.a, peaks.a), maxMagnitude(allPeaks.b, peaks.b)};
+        from = end;
     }
-    return true;
+    return largestLane(maxMagnitude(allPeaks.a, allPeaks.b)) <= RVX_OPERAND_LIMIT;
 }
 
 // ---------------------------------------------------------------------------
 // From lanes to numbers.
 
-RVX_INLINE LanePair addPairs(LanePair a, LanePair b)
-{
-    const LanePair sum = twoSum(a.hi, b.hi);
-    return twoSum(sum.hi, sum.lo + (a.lo + b.lo));
-}
-
-// The four lanes joined, in every lane (every = 1), or the even and the odd lanes
-// each among themselves (every = 2).
+// The four lanes joined (every = 1), or the even and the odd lanes each among
+// themselves (every = 2).
 template <int every>
 RVX_INLINE void joinLanes(const Totals &total, BoundedSum *sum)
 {
-    LanePair pair = twoSum(total.high, total.low);
-    pair = twoSum(pair.hi, pair.lo + total.lowest);
-    Lanes bound = total.bound;
-    pair = addPairs(pair, {swapHalves(pair.hi), swapHalves(pair.lo)});
-    bound = bound + swapHalves(bound);
+    Lanes low = total.low + total.lowest;
+    LanePair pair = twoSum(total.high, swapHalves(total.high));
+    low = (low + swapHalves(low)) + pair.lo;
+    Lanes bound = total.bound + swapHalves(total.bound);
     if (every == 1) {
-        pair = addPairs(pair, {swapParts(pair.hi), swapParts(pair.lo)});
+        pair = twoSum(pair.hi, swapParts(pair.hi));
+        low = (low + swapParts(low)) + pair.lo;
         bound = bound + swapParts(bound);
     }
+    pair = twoSum(pair.hi, low);
     for (int l = 0; l < every; ++l)
         sum[l] = {pair.hi.v[l], pair.lo.v[l], bound.v[l]};
 }
 
 // The sums of Terms, each joined into BoundedSums as joinLanes does.
 template <int every, typename Terms>
-RVX_INLINE void boundedSums(const Terms &terms, std::ptrdiff_t n, BoundedSum *sum)
+RVX_INLINE void boundedSums(const Terms &terms, BoundedSum *sum)
 {
     Totals totals[Terms::sums];
     Peaks peaks;
-    if (!sumTiles(terms, n, totals, peaks)) {
-        for (int s = 0; s < Terms::sums * every; ++s)
-            sum[s] = {__builtin_nan(""), 0.0, 0.0};
-        return;
-    }
+    const bool good = sumTiles(terms, totals, peaks);
     // Which operands are zero throughout; where all terms are, the sum is exact.
     const Peaks marks = {oneWhereAbove(peaks.a, allLanes(0.0)),
                          oneWhereAbove(peaks.b, allLanes(0.0))};
@@ -317,9 +341,12 @@ RVX_INLINE void boundedSums(const Terms &terms, std::ptrdiff_t n, BoundedSum *su
         if (every == 1)
             marked = marked + swapParts(marked);
         joinLanes<every>(totals[s], sum + s * every);
-        for (int l = 0; l < every; ++l)
+        for (int l = 0; l < every; ++l) {
             if (marked.v[l] == 0.0)
                 sum[s * every + l].bound = 0.0;
+            if (!good)
+                sum[s * every + l].hi = __builtin_nan("");
+        }
     }
 }
 
@@ -355,6 +382,16 @@ RVX_INLINE DoublePair twoSum(double a, double b)
     const double sum = a + b;
     const double part = sum - a;
     return {sum, (a - (sum - part)) + (b - part)};
+}
+
+// a + sign * b.
+RVX_INLINE BoundedSum combined(const BoundedSum &a, double sign, const BoundedSum &b)
+{
+    const DoublePair sum = twoSum(a.hi, sign * b.hi);
+    const DoublePair pair = twoSum(sum.hi, sum.lo + (a.lo + sign * b.lo));
+    const double size = (a.hi < 0.0 ? -a.hi : a.hi) + (b.hi < 0.0 ? -b.hi : b.hi);
+    const bool zero = a.bound == 0.0 && b.bound == 0.0;
+    return {pair.hi, pair.lo, zero ? 0.0 : a.bound + b.bound + 0x1p-103 * size};
 }
 
 // hi + lo = a * b to within 2^-102 |a b|.

@@ -27,39 +27,43 @@ namespace {
 // x[i], and with moments 2 also x[i]^2 as a second sum.
 template <int moments>
 struct Moments {
-    static constexpr int sums = moments, width = 4 / moments, stepLen = 4 * width;
+    static constexpr bool sized = false;
+    static constexpr int sums = moments, width = 4 / moments, stepLen = 4 * width,
+                         tileSteps = moments == 1 ? 256 : 128;
     const double *x;
+    std::ptrdiff_t n;
 
     RVX_INLINE static constexpr double lowShare(int s) { return s == 0 ? 0.0 : 0x1p-24; }
     RVX_INLINE static Lanes bound(int s, Peaks peaks)
     {
         return s == 0 ? peaks.a : peaks.a * peaks.a;
     }
+    template <typename Load>
     RVX_INLINE void step(std::ptrdiff_t i, BiasedSum<width> *sum, Peaks &peaks) const
     {
         for (int j = 0; j < width; ++j) {
-            const Lanes p = loadLanes(x + i + 4 * j);
-            peaks.a = maxLanes(peaks.a, absLanes(p));
+            const Lanes p = Load::from(x, i + 4 * j, n);
+            peaks.a = maxMagnitude(peaks.a, p);
             addTerm(sum[0], j, p);
             if (moments == 2)
-                addSquare(sum[moments - 1], j, p);
+                addSquare(sum[moments - 1], j, p, split(p));
         }
-    }
-    RVX_INLINE Moments tail(std::ptrdiff_t i, std::ptrdiff_t n, TailRoom &room) const
-    {
-        return {zeroPadded(x + i, n, room.a)};
     }
 };
 
 RVX_KERNEL void boundMean(const double *x, int n, BoundedSum *sum)
 {
-    boundedSums<1>(Moments<1>{x}, n, sum);
+    boundedSums<1>(Moments<1>{x, n}, sum);
 }
 
 RVX_KERNEL void boundMoments(const double *x, int n, BoundedSum *sums)
 {
-    boundedSums<1>(Moments<2>{x}, n, sums);
+    boundedSums<1>(Moments<2>{x, n}, sums);
 }
+
+// Below these lengths the sums in Extended take less time than the lanes' start.
+constexpr int shortMean = 16;
+constexpr int shortMoments = 160;
 
 // sum / len. Eight sums take the elements in turn, and the turn moves on by one
 // with every eight elements.
@@ -115,74 +119,103 @@ bool isConstant(const double *vec, int len)
 
 double meanOf(const double *vec, int len)
 {
-    BoundedSum sum;
-    double mean;
-    boundMean(vec, len, &sum);
-    if (roundedSum(dividedBy(sum, len), &mean))
-        return mean;
+    if (len >= shortMean) {
+        BoundedSum sum;
+        double mean;
+        boundMean(vec, len, &sum);
+        if (roundedSum(dividedBy(sum, len), &mean))
+            return mean;
+    }
     return meanInOrder(vec, len);
+}
+
+double varianceOf(const double *vec, int len)
+{
+    if (len >= shortMoments) {
+        BoundedSum sums[2];
+        double variance;
+        boundMoments(vec, len, sums);
+        if (roundedSum(boundedVariance(sums[0], sums[1], len), &variance))
+            return variance;
+    }
+    // Rounding would leave more or less than nothing here.
+    if (isConstant(vec, len))
+        return 0.0;
+    return varianceInOrder(vec, len);
 }
 
 double deviationOf(const double *vec, int len)
 {
-    BoundedSum sums[2];
-    double variance;
-    boundMoments(vec, len, sums);
-    if (!roundedSum(boundedVariance(sums[0], sums[1], len), &variance)) {
-        // Rounding would leave more or less than nothing here.
-        if (isConstant(vec, len))
-            return 0.0;
-        variance = varianceInOrder(vec, len);
-    }
+    const double variance = varianceOf(vec, len);
     return std::signbit(variance) ? 0.0 : std::sqrt(variance);
 }
 
 // ---------------------------------------------------------------------------
 // Largest and smallest element.
 
-// m or x, whichever is further up (sign 1) or down (sign -1).
-template <int sign>
-RVX_INLINE Lanes further(Lanes m, Lanes x)
+// What else is to be noticed: nothing; elements that are not finite; those of them
+// that have the search's own sign, which have the largest words of all, with the
+// sign counted as it is (1) or as the top bit (-1).
+enum class Notice { nothing, notFinite, ownSign };
+
+template <int sign, Notice notice>
+RVX_INLINE void takeFurther(Lanes &best, Lanes &words, Lanes x)
 {
-    return sign > 0 ? maxLanes(m, x) : minLanes(m, x);
+    best = sign > 0 ? maxLanes(best, x) : minLanes(best, x);
+    if (notice == Notice::notFinite)
+        words = maxMagnitude(words, x);
+    else if (notice == Notice::ownSign)
+        words = sign > 0 ? maxSignedWords(words, x) : maxWords(words, x);
 }
 
-// NaNs are passed over, and noticed two vectors at a time.
-template <int sign>
+template <int sign, Notice notice>
 RVX_INLINE void findExtreme(const double *vec, int n, Extreme *found)
 {
     const Lanes none = allLanes(sign * -__builtin_inf());
     Lanes best[4] = {none, none, none, none};
-    LaneMask nan[2] = {};
+    Lanes words[2] = {allLanes(0.0), allLanes(0.0)};
+    // A load that crosses cache lines counts twice, and loads are the limit.
     int i = 0;
-    for (; i < n - 15; i += 16) {
-        for (int j = 0; j < 4; j += 2) {
-            const Lanes x = loadLanes(vec + i + 4 * j);
-            const Lanes y = loadLanes(vec + i + 4 * j + 4);
-            best[j] = further<sign>(best[j], x);
-            best[j + 1] = further<sign>(best[j + 1], y);
-            nan[j / 2] = nan[j / 2] | isUnordered(x, y);
-        }
-    }
-    for (; i < n; ++i) {
-        const Lanes x = allLanes(vec[i]);
-        best[0] = further<sign>(best[0], x);
-        nan[0] = nan[0] | isUnordered(x, x);
-    }
-    Lanes last = further<sign>(further<sign>(best[0], best[1]), further<sign>(best[2], best[3]));
-    last = further<sign>(last, swapHalves(last));
-    last = further<sign>(last, swapParts(last));
-    *found = {last.v[0], anyLane(nan[0] | nan[1])};
+    if (n >= 256)
+        for (; reinterpret_cast<std::uintptr_t>(vec + i) % sizeof(RvxVector) != 0; ++i)
+            takeFurther<sign, notice>(best[0], words[0], allLanes(vec[i]));
+    for (; i < n - 15; i += 16)
+        for (int j = 0; j < 4; ++j)
+            takeFurther<sign, notice>(best[j], words[j % 2], loadLanesOnce(vec + i + 4 * j));
+    for (; i < n - 3; i += 4)
+        takeFurther<sign, notice>(best[0], words[0], loadLanes(vec + i));
+    for (; i < n; ++i)
+        takeFurther<sign, notice>(best[0], words[0], allLanes(vec[i]));
+    for (int j = 1; j < 4; ++j)
+        best[0] = sign > 0 ? maxLanes(best[0], best[j]) : minLanes(best[0], best[j]);
+    found->value = sign * largestLane(best[0] * allLanes(sign));
+    constexpr std::uint64_t limit =
+        notice == Notice::ownSign && sign < 0 ? 0xfff0000000000000 : 0x7ff0000000000000;
+    const Lanes top = notice == Notice::ownSign && sign > 0 ? maxSignedWords(words[0], words[1])
+                                                            : maxWords(words[0], words[1]);
+    found->special = false;
+    for (int l = 0; l < 4; ++l)
+        found->special |= static_cast<std::uint64_t>(((RvxBits)top.v)[l]) >= limit;
 }
 
 RVX_KERNEL void findLargest(const double *vec, int n, Extreme *found)
 {
-    findExtreme<1>(vec, n, found);
+    findExtreme<1, Notice::nothing>(vec, n, found);
 }
 
 RVX_KERNEL void findSmallest(const double *vec, int n, Extreme *found)
 {
-    findExtreme<-1>(vec, n, found);
+    findExtreme<-1, Notice::notFinite>(vec, n, found);
+}
+
+RVX_KERNEL void findLargestOrSpecial(const double *vec, int n, Extreme *found)
+{
+    findExtreme<1, Notice::ownSign>(vec, n, found);
+}
+
+RVX_KERNEL void findSmallestOrSpecial(const double *vec, int n, Extreme *found)
+{
+    findExtreme<-1, Notice::ownSign>(vec, n, found);
 }
 
 // An integer that orders as sign and magnitude of all 64 bits do; its own inverse.
@@ -217,25 +250,34 @@ RVX_KERNEL double smallestByBits(const double *vec, int n)
     return extremeByBits<-1>(vec, n);
 }
 
+// The value decides unless zeros differ by sign, a NaN may stand above it, or there
+// may be nothing but NaNs.
+bool isDecided(Extreme found)
+{
+    return !found.special && found.value != 0.0 && std::isfinite(found.value);
+}
+
 double largestOf(const double *vec, int n)
 {
-    const Extreme found = rvxLargestValue(vec, n);
-    return found.anyNan || found.value == 0.0 ? largestByBits(vec, n) : found.value;
+    Extreme found;
+    findLargestOrSpecial(vec, n, &found);
+    return isDecided(found) ? found.value : largestByBits(vec, n);
 }
 
 double smallestOf(const double *vec, int n)
 {
-    const Extreme found = rvxSmallestValue(vec, n);
-    return found.anyNan || found.value == 0.0 ? smallestByBits(vec, n) : found.value;
+    Extreme found;
+    findSmallestOrSpecial(vec, n, &found);
+    return isDecided(found) ? found.value : smallestByBits(vec, n);
 }
 
 } // namespace
 
-Extreme rvxLargestValue(const double *vec, int n)
+double rvxLargestValue(const double *vec, int n)
 {
     Extreme found;
     findLargest(vec, n, &found);
-    return found;
+    return found.value;
 }
 
 Extreme rvxSmallestValue(const double *vec, int n)

@@ -3,14 +3,14 @@
 #ifndef RVXVEC_H
 #define RVXVEC_H
 
-// The largest or smallest value of a block, infinite the other way when there are
-// only NaNs, and whether there are any. Of +0.0 and -0.0 either may come out.
+// An extreme value, NaNs passed over, infinite the other way when there is nothing
+// else; of +0.0 and -0.0 either. special: there may be a NaN in the block.
 struct Extreme {
     double value;
-    bool anyNan;
+    bool special;
 };
 
-Extreme rvxLargestValue(const double *vec, int n);
+double rvxLargestValue(const double *vec, int n);
 Extreme rvxSmallestValue(const double *vec, int n);
 
 #endif

@@ -42,7 +42,7 @@ int largestPosition(const double *vec, int n)
     int bestFrom = 0;
     for (int from = 0; from < n;) {
         const int here = n - from < stretchLen ? n - from : stretchLen;
-        const double value = rvxLargestValue(vec + from, here).value;
+        const double value = rvxLargestValue(vec + from, here);
         if (value > best) {
             best = value;
             bestFrom = from;
@@ -50,6 +50,15 @@ int largestPosition(const double *vec, int n)
         from += here;
     }
     return bestFrom + findFirst(best, vec + bestFrom, n - bestFrom);
+}
+
+// -1 where there is none
+int lastNan(const double *vec, int n)
+{
+    int i = n - 1;
+    while (i >= 0 && vec[i] == vec[i])
+        --i;
+    return i;
 }
 
 // A NaN is taken and gives way to the element behind it, on purpose: so the search
@@ -61,13 +70,11 @@ int smallestPosition(const double *vec, int n)
     for (int from = 0; from < n;) {
         const int here = n - from < stretchLen ? n - from : stretchLen;
         const Extreme found = rvxSmallestValue(vec + from, here);
-        if (found.anyNan) {
-            int last = from + here - 1;
-            while (vec[last] == vec[last])
-                --last;
-            if (last == n - 1)
-                return last;
-            from = last + 1;
+        const int nan = found.special ? lastNan(vec + from, here) : -1;
+        if (nan >= 0) {
+            from += nan + 1;
+            if (from == n)
+                return n - 1;
             best = __builtin_inf();
             bestFrom = from;
             continue;
