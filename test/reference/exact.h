@@ -37,11 +37,12 @@ public:
             digits.at(static_cast<std::size_t>(digit)) += negative ? -part : part;
             carried >>= 32;
         }
-        settle();
         return *this;
     }
     Exact &add(const Exact &other)
     {
+        settle();
+        other.settle();
         for (std::size_t i = 0; i < size; ++i)
             digits[i] += other.digits[i];
         settle();
@@ -49,6 +50,7 @@ public:
     }
     Exact negated() const
     {
+        settle();
         Exact result;
         for (std::size_t i = 0; i < size; ++i)
             result.digits[i] = -digits[i];
@@ -58,6 +60,8 @@ public:
     Exact operator-(const Exact &other) const { return Exact(*this).add(other.negated()); }
     Exact operator*(const Exact &other) const
     {
+        settle();
+        other.settle();
         if (sign() < 0)
             return (negated() * other).negated();
         if (other.sign() < 0)
@@ -78,9 +82,10 @@ public:
         return result;
     }
 
-    // -1, 0, 1; every digit but the last is in 0 .. 2^32 - 1.
+    // -1, 0, 1
     int sign() const
     {
+        settle();
         if (digits[size - 1] < 0)
             return -1;
         for (std::int64_t digit : digits)
@@ -108,7 +113,9 @@ private:
     static constexpr std::size_t size = 160;
     static constexpr int offset = 70; // 2^-2240 and up
 
-    void settle()
+    // Brings every digit but the last into 0 .. 2^32 - 1. Until then each takes 2^31
+    // additions.
+    void settle() const
     {
         std::int64_t carry = 0;
         for (std::size_t i = 0; i < size; ++i) {
@@ -118,7 +125,7 @@ private:
         }
     }
 
-    std::array<std::int64_t, size> digits;
+    mutable std::array<std::int64_t, size> digits;
 };
 
 // |x * denominator - numerator|: how far x is from the quotient, times denominator.
