@@ -117,11 +117,7 @@ template <typename In, typename Out>
 RVX_INLINE void mergeGroupsOf4(In in, Out out, int start)
 {
     Quad x[4];
-    for (int g = 0; g < 4; ++g)
-        x[g] = in.loadFree(start + 4 * g);
-    transpose(x[0], x[1], x[2], x[3]);
-    if (In::freeOrderIsNatural)
-        std::swap(x[1], x[2]);
+    in.loadGroups(start, 4, x);
     transform4(x);
     toGroups(x);
     for (int g = 0; g < 4; ++g)
@@ -134,13 +130,8 @@ RVX_INLINE void mergeGroupsOf8(In in, Out out, int start)
 {
     Quad x[8];
     for (int half = 0; half < 2; ++half) {
-        Quad *y = x + 4 * half;
-        for (int g = 0; g < 4; ++g)
-            y[g] = in.loadFree(start + 8 * g + 4 * half);
-        transpose(y[0], y[1], y[2], y[3]);
-        if (In::freeOrderIsNatural)
-            std::swap(y[1], y[2]);
-        transform4(y);
+        in.loadGroups(start + 4 * half, 8, x + 4 * half);
+        transform4(x + 4 * half);
     }
     merge8(x);
     for (int half = 0; half < 2; ++half) {
@@ -163,20 +154,12 @@ RVX_INLINE void mergeGroups(In in, Out out, int N, int R)
     }
 }
 
-// Four results in natural order to bit-reversed order, scaled, as quads of four
-// groups in the order of lanes that the border stores for free.
+// Four results of four groups, scaled, to bit-reversed order.
 template <typename Out>
-RVX_INLINE void storeReversedGroups(Out out, int start, int groupLen, Quad *x, Lanes scale)
+RVX_INLINE void storeScaled(Out out, int start, int groupLen, const Quad *x, Lanes scale)
 {
-    // Memory order of the results is 0, 2, 1, 3; a transposition gives the lanes
-    // of a quad, which for natural lanes has to be undone by its arguments.
-    if (!Out::freeOrderIsNatural)
-        std::swap(x[1], x[2]);
-    transpose(x[0], x[1], x[2], x[3]);
-    out.storeFree(start, x[0] * scale);
-    out.storeFree(start + 2 * groupLen, x[1] * scale);
-    out.storeFree(start + groupLen, x[2] * scale);
-    out.storeFree(start + 3 * groupLen, x[3] * scale);
+    const Quad scaled[4] = {x[0] * scale, x[1] * scale, x[2] * scale, x[3] * scale};
+    out.storeGroups(start, groupLen, scaled);
 }
 
 // Four groups of four consecutive elements in natural order, to bit-reversed.
@@ -188,7 +171,7 @@ RVX_INLINE void splitGroupsOf4(In in, Out out, int start, Lanes scale)
         x[g] = in.load(start + 4 * g);
     toGroups(x);
     transform4(x);
-    storeReversedGroups(out, start, 4, x, scale);
+    storeScaled(out, start, 4, x, scale);
 }
 
 template <typename In, typename Out>
@@ -204,7 +187,7 @@ RVX_INLINE void splitGroupsOf8(In in, Out out, int start, Lanes scale)
     split8(x);
     for (int half = 0; half < 2; ++half) {
         transform4(x + 4 * half);
-        storeReversedGroups(out, start + 4 * half, 8, x + 4 * half, scale);
+        storeScaled(out, start + 4 * half, 8, x + 4 * half, scale);
     }
 }
 

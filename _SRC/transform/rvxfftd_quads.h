@@ -112,6 +112,12 @@ RVX_INLINE Lanes highHalves(Lanes a, Lanes b)
     return {__builtin_shufflevector(a.v, b.v, 2, 3, 6, 7)};
 }
 
+// Each half stays in its place.
+RVX_INLINE Lanes lowAndHigh(Lanes low, Lanes high)
+{
+    return {__builtin_shufflevector(low.v, high.v, 0, 1, 6, 7)};
+}
+
 RVX_INLINE Lanes swapMiddle(Lanes a)
 {
     return {__builtin_shufflevector(a.v, a.v, 0, 2, 1, 3)};
@@ -187,11 +193,45 @@ struct Interleaved {
         storeLanes(p + 2 * i, evenLanes(b.re, b.im));
         storeLanes(p + 2 * i + 4, oddLanes(b.re, b.im));
     }
-    // Where what follows or goes before is a transposition, any order of lanes
-    // is as good: this one is free.
+    // Where what follows is a transposition, any order of lanes is as good: this
+    // one is free.
     RVX_INLINE Quad loadFree(int i) const { return load(i); }
-    RVX_INLINE void storeFree(int i, Quad a) const { store(i, a); }
     static constexpr bool freeOrderIsNatural = false;
+
+    // Elements 0, 2, 1, 3 from `start` of four groups, each with the groups in the
+    // lanes of a quad. Shuffles share the pipes of the additions and loads do not,
+    // so halves are brought to their place by loads next to them: of the first of
+    // two groups behind the element, of the second one before it.
+    RVX_INLINE void loadGroups(int start, int groupLen, Quad *x) const
+    {
+        constexpr int place[4] = {0, 2, 1, 3};
+        for (int e = 0; e < 4; ++e) {
+            Lanes pairs[2];
+            for (int g = 0; g < 4; g += 2) {
+                const double *low = p + 2 * (start + g * groupLen + e);
+                pairs[g / 2] = lowAndHigh(loadOnce(low), loadOnce(low + 2 * groupLen - 2));
+            }
+            const Quad a{evenLanes(pairs[0], pairs[1]), oddLanes(pairs[0], pairs[1])};
+            x[place[e]] = inverse ? Quad{a.im, a.re} : a;
+        }
+    }
+    // The way back.
+    RVX_INLINE void storeGroups(int start, int groupLen, const Quad *x) const
+    {
+        for (int e = 0; e < 4; e += 2) {
+            const Quad first = inverse ? Quad{x[e / 2].im, x[e / 2].re} : x[e / 2];
+            const Quad second = inverse ? Quad{x[e / 2 + 2].im, x[e / 2 + 2].re} : x[e / 2 + 2];
+            const Lanes first01 = evenLanes(first.re, first.im);
+            const Lanes first23 = oddLanes(first.re, first.im);
+            const Lanes second01 = evenLanes(second.re, second.im);
+            const Lanes second23 = oddLanes(second.re, second.im);
+            double *group = p + 2 * (start + e);
+            storeLanes(group, lowHalves(first01, second01));
+            storeLanes(group + 2 * groupLen, highHalves(first01, second01));
+            storeLanes(group + 4 * groupLen, lowHalves(first23, second23));
+            storeLanes(group + 6 * groupLen, highHalves(first23, second23));
+        }
+    }
 };
 
 // Arrays of real and of imaginary parts in natural order.
@@ -213,6 +253,23 @@ struct Separate {
     {
         storeLanes(re + i, a.re);
         storeLanes(im + i, a.im);
+    }
+    RVX_INLINE void loadGroups(int start, int groupLen, Quad *x) const
+    {
+        for (int g = 0; g < 4; ++g)
+            x[g] = loadFree(start + g * groupLen);
+        transpose(x[0], x[1], x[2], x[3]);
+        std::swap(x[1], x[2]);
+    }
+    RVX_INLINE void storeGroups(int start, int groupLen, const Quad *x) const
+    {
+        Quad g[4] = {x[0], x[1], x[2], x[3]};
+        // The order of a quad's lanes, applied to 0, 2, 1, 3, gives memory order.
+        transpose(g[0], g[1], g[2], g[3]);
+        storeFree(start, g[0]);
+        storeFree(start + 2 * groupLen, g[1]);
+        storeFree(start + groupLen, g[2]);
+        storeFree(start + 3 * groupLen, g[3]);
     }
     static constexpr bool freeOrderIsNatural = true;
 };
