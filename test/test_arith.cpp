@@ -416,6 +416,26 @@ TEST(BlockCopy, GoesFromTheLastElementDownAtEveryOverlap)
     }
 }
 
+TEST(BlockCopy, KeepsTheOrderInBlocksLargerThanTheCaches)
+{
+    constexpr int n = (1 << 21) + 5;
+    std::vector<double> block(n + 3);
+    for (int from : {3, 0}) {
+        const int to = 3 - from;
+        for (int i = 0; i < n + 3; ++i)
+            block[static_cast<std::size_t>(i)] = i;
+        rvxdbCopy(block.data() + from, block.data() + to, n);
+        // Up, every element has moved. Down by 3, the last three have been smeared
+        // all the way: element i holds what stood 3, 6, 9, ... above it.
+        int wrong = 0;
+        for (int i = 0; i < n; ++i) {
+            const int origin = from == 0 ? i : n + (i - n % 3 + 3) % 3;
+            wrong += block[static_cast<std::size_t>(to + i)] != origin ? 1 : 0;
+        }
+        EXPECT_EQ(wrong, 0) << "from " << from;
+    }
+}
+
 TEST(BlockCopy, MovesUpByOneWithoutSmearingAndSmearsDownByOne)
 {
     double up[11] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, -1};

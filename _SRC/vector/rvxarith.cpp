@@ -18,22 +18,6 @@ RVX_MODULE("rvxarith")
 
 namespace {
 
-// dst[i] = src[i], as if from the last element down to the first. Only a dst
-// that begins inside the elements below src shows that order.
-template <typename Element>
-void copyDownward(const Element *src, Element *dst, int n)
-{
-    const auto from = reinterpret_cast<std::uintptr_t>(src);
-    const auto to = reinterpret_cast<std::uintptr_t>(dst);
-    const std::size_t bytes = static_cast<std::size_t>(n) * sizeof(Element);
-    if (to < from && from - to < bytes) {
-        for (int i = n - 1; i >= 0; --i)
-            dst[i] = src[i];
-        return;
-    }
-    std::memmove(dst, src, bytes);
-}
-
 // p * q in the grouping that every complex product of the library has.
 RVX_INLINE ZCplx product(ZCplx p, ZCplx q)
 {
@@ -95,22 +79,22 @@ struct CplxProduct {
 // scalar has itself at all of them.
 struct RealBlock {
     const double *elements;
-    RVX_INLINE double at(int i) const { return elements[i]; }
-    RVX_INLINE Lanes lanesAt(int i) const { return loadLanes(elements + i); }
+    RVX_INLINE double at(std::ptrdiff_t i) const { return elements[i]; }
+    RVX_INLINE Lanes lanesAt(std::ptrdiff_t i) const { return loadLanes(elements + i); }
 };
 
 struct CplxBlock {
     const ZCplx *elements;
-    RVX_INLINE ZCplx at(int i) const { return elements[i]; }
-    RVX_INLINE Lanes lanesAt(int i) const { return loadLanesOnce(elements + i); }
+    RVX_INLINE ZCplx at(std::ptrdiff_t i) const { return elements[i]; }
+    RVX_INLINE Lanes lanesAt(std::ptrdiff_t i) const { return loadLanesOnce(elements + i); }
 };
 
 template <typename Element>
 struct Scalar {
     Element value;
     Lanes lanes = allLanes(value);
-    RVX_INLINE Element at(int) const { return value; }
-    RVX_INLINE Lanes lanesAt(int) const { return lanes; }
+    RVX_INLINE Element at(std::ptrdiff_t) const { return value; }
+    RVX_INLINE Lanes lanesAt(std::ptrdiff_t) const { return lanes; }
 };
 
 // How many doubles p stands behind a multiple of 32 bytes. A store of four lanes
@@ -126,9 +110,9 @@ constexpr int RVX_WORTH_ALIGNING = 32;
 // dst[i] = op(a[i], b[i]), from the last element down to the first. Every step
 // has read its elements before it writes, so that dst may be an operand.
 template <typename A, typename B, typename Op>
-RVX_INLINE void combineReal(A a, B b, double *dst, int n, Op op)
+RVX_INLINE void combineReal(A a, B b, double *dst, std::ptrdiff_t n, Op op)
 {
-    int i = n;
+    std::ptrdiff_t i = n;
     if (n >= RVX_WORTH_ALIGNING) {
         for (int past = doublesBehindLanes(dst + n); past > 0; --past) {
             --i;
@@ -157,9 +141,9 @@ RVX_INLINE void combineReal(A a, B b, double *dst, int n, Op op)
 
 // The same for complex elements, which go from the first upward.
 template <typename A, typename B, typename Op>
-RVX_INLINE void combineCplx(A a, B b, ZCplx *dst, int n, Op op)
+RVX_INLINE void combineCplx(A a, B b, ZCplx *dst, std::ptrdiff_t n, Op op)
 {
-    int i = 0;
+    std::ptrdiff_t i = 0;
     if (n >= RVX_WORTH_ALIGNING && doublesBehindLanes(dst) == 2) {
         dst[0] = op(a.at(0), b.at(0));
         i = 1;
@@ -178,6 +162,35 @@ RVX_INLINE void combineCplx(A a, B b, ZCplx *dst, int n, Op op)
         storeLanes(dst + i, op(a.lanesAt(i), b.lanesAt(i)));
     if (n - i >= 1)
         dst[i] = op(a.at(i), b.at(i));
+}
+
+RVX_KERNEL void copyDoubles(const double *src, double *dst, std::ptrdiff_t n)
+{
+    combineReal(RealBlock{src}, RealBlock{src}, dst, n, First{});
+}
+
+// Above this, the C library's copy is ahead: it goes past the caches.
+constexpr std::size_t RVX_PAST_CACHES = std::size_t{1} << 24;
+
+// dst[i] = src[i], as if from the last element down to the first. Only a dst
+// that begins inside the elements below src shows that order.
+template <typename Element>
+void copyDownward(const Element *src, Element *dst, int n)
+{
+    const auto from = reinterpret_cast<std::uintptr_t>(src);
+    const auto to = reinterpret_cast<std::uintptr_t>(dst);
+    const std::size_t bytes = static_cast<std::size_t>(n) * sizeof(Element);
+    if (to < from && from - to < bytes) {
+        for (int i = n - 1; i >= 0; --i)
+            dst[i] = src[i];
+        return;
+    }
+    if (bytes > RVX_PAST_CACHES) {
+        std::memmove(dst, src, bytes);
+        return;
+    }
+    copyDoubles(reinterpret_cast<const double *>(src), reinterpret_cast<double *>(dst),
+                static_cast<std::ptrdiff_t>(bytes / sizeof(double)));
 }
 
 RVX_KERNEL void fillReal(double val, double *dst, int n)
