@@ -218,6 +218,26 @@ TEST(DotProduct, OfLongNoiseIsCorrectlyRounded)
     EXPECT_LE(misrounded, 1);
 }
 
+// The halves of a small subnormal factor are not small against it, which tells beside
+// a huge one.
+TEST(DotProduct, OfSubnormalAndHugeFactorsIsTheStatedSumOrTheCorrectlyRoundedOne)
+{
+    for (int exponent : {200, 299, 400, 600, 900, 1000}) {
+        for (unsigned seed = 0; seed < 20; ++seed) {
+            const int n = 500;
+            auto a = makeBlock(Temper::uniform, n, seed),
+                 b = makeBlock(Temper::uniform, n, seed + 1);
+            for (std::size_t i = 0; i < a.size(); ++i) {
+                a[i] = std::ldexp(a[i], -1047);
+                b[i] = std::ldexp(std::copysign(b[i], a[i]), exponent);
+            }
+            ASSERT_TRUE(asGoodAs(static_cast<double>(stated(a, b)),
+                                 rvxdDotProd(a.data(), b.data(), n), a, b))
+                << exponent;
+        }
+    }
+}
+
 TEST(DotProduct, LosesNothingBetweenHugeTermsThatCancel)
 {
     const std::vector<double> a = {1e300, -1e300, 1e200, -1e200, 1.0};
