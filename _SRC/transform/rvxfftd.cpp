@@ -76,8 +76,13 @@ const ZCplx *prepare(const char *func, int order, int flags)
     return (flags & RVX_FFT_INIT_TABLES) == 0 ? twiddles : nullptr;
 }
 
+// Exactly one direction, at most one order of the data: seen at one look, and
+// only what fails is taken apart.
 bool flagsAccepted(const char *func, int flags)
 {
+    const int orders = flags & (32 | 64 | 128);
+    if (((flags & 1) != 0) != ((flags & 2) != 0) && (orders & (orders - 1)) == 0)
+        return true;
     RVX_REJECT_AS(func, (flags & 1) && (flags & 2), "(flags & 1) && (flags & 2)", false);
     RVX_REJECT_AS(func, (flags & 1) == 0 && (flags & 2) == 0, "(flags & 1)==0 && (flags & 2)==0",
                   false);

@@ -2,6 +2,7 @@
 
 #include "transform/rvxfftd_short.h"
 
+#include <cstdint>
 #include <utility>
 
 namespace {
@@ -10,6 +11,7 @@ namespace {
 // has registers of just this size.
 typedef double Value __attribute__((vector_size(16)));
 typedef double ValueMem __attribute__((vector_size(16), aligned(8), may_alias));
+typedef std::int64_t ValueBits __attribute__((vector_size(16)));
 
 struct InterleavedValues {
     const ZCplx *src;
@@ -37,7 +39,9 @@ struct SeparateValues {
 template <bool inverse>
 RVX_INLINE Value quarterTurn(Value a)
 {
-    return inverse ? Value{-a[1], a[0]} : Value{a[1], -a[0]};
+    const ValueBits sign = inverse ? ValueBits{INT64_MIN, 0} : ValueBits{0, INT64_MIN};
+    const Value swapped = __builtin_shufflevector(a, a, 1, 0);
+    return reinterpret_cast<Value>(reinterpret_cast<ValueBits>(swapped) ^ sign);
 }
 
 RVX_INLINE void sumDiff(Value &a, Value &b)
