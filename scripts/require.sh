@@ -91,7 +91,7 @@ require_packages() {
 
 # step LOGFILE TEXT COMMAND...: says what is done, does it with its output in the
 # log, and says how long it took. On failure shows the end of the log, without
-# the tests that passed; returns the command's status.
+# what went well; returns the command's status.
 step() {
     local log=$1 text=$2 begin=$SECONDS status=0
     shift 2
