@@ -3,6 +3,7 @@
 // The sums are made in lanes of error-free pairs of doubles where these tell the
 // correctly rounded result, and else one term after the other in Extended.
 
+#include <cmath>
 #include <cstddef>
 
 #include "frame/rvxcheck.h"
@@ -124,37 +125,56 @@ const double *partsOf(const ZCplx *z)
 
 // The sums in Extended, in order.
 
-double addUp(const double *a, const double *b, int n)
+ExtendedSum addUp(const double *a, const double *b, int n)
 {
     Extended s = 0.0;
+    Extended magnitudes = 0.0;
     int i = 0;
-    for (; i < n - 1; i += 2)
-        s = Extended(a[i + 1]) * b[i + 1] + (Extended(a[i]) * b[i] + s);
-    if (i < n)
-        s += Extended(a[i]) * b[i];
-    return static_cast<double>(s);
+    for (; i < n - 1; i += 2) {
+        const Extended p0 = Extended(a[i]) * b[i];
+        const Extended p1 = Extended(a[i + 1]) * b[i + 1];
+        s = p1 + (p0 + s);
+        magnitudes += std::fabs(p0) + std::fabs(p1);
+    }
+    if (i < n) {
+        const Extended p = Extended(a[i]) * b[i];
+        s += p;
+        magnitudes += std::fabs(p);
+    }
+    return {s, magnitudes};
 }
 
-ZCplx addUp(const ZCplx *a, const ZCplx *b, int n)
+// Adds p + q to one part.
+void addPair(Extended p, Extended q, ExtendedSum &part)
 {
-    Extended re = 0.0;
-    Extended im = 0.0;
-    for (int i = 0; i < n; ++i) {
-        re += Extended(a[i].re) * b[i].re - Extended(a[i].im) * b[i].im;
-        im += Extended(a[i].im) * b[i].re + Extended(b[i].im) * a[i].re;
-    }
-    return {static_cast<double>(re), static_cast<double>(im)};
+    part.sum += p + q;
+    part.magnitudes += std::fabs(p) + std::fabs(q);
 }
 
-ZCplx addUp(const ZCplx *z, const double *x, int n)
+void addUp(const ZCplx *a, const ZCplx *b, int n, ExtendedSum *parts)
 {
-    Extended re = 0.0;
-    Extended im = 0.0;
+    ExtendedSum re = {0.0, 0.0};
+    ExtendedSum im = {0.0, 0.0};
     for (int i = 0; i < n; ++i) {
-        re += Extended(z[i].re) * x[i];
-        im += Extended(z[i].im) * x[i];
+        addPair(Extended(a[i].re) * b[i].re, -(Extended(a[i].im) * b[i].im), re);
+        addPair(Extended(a[i].im) * b[i].re, Extended(b[i].im) * a[i].re, im);
     }
-    return {static_cast<double>(re), static_cast<double>(im)};
+    parts[0] = re;
+    parts[1] = im;
+}
+
+void addUp(const ZCplx *z, const double *x, int n, ExtendedSum *parts)
+{
+    ExtendedSum re = {0.0, 0.0};
+    ExtendedSum im = {0.0, 0.0};
+    for (int i = 0; i < n; ++i) {
+        const Extended p = Extended(z[i].re) * x[i];
+        const Extended q = Extended(z[i].im) * x[i];
+        re = {re.sum + p, re.magnitudes + std::fabs(p)};
+        im = {im.sum + q, im.magnitudes + std::fabs(q)};
+    }
+    parts[0] = re;
+    parts[1] = im;
 }
 
 // Below these lengths the sums in Extended take less time than the lanes' start.
@@ -162,42 +182,50 @@ constexpr int shortReal = 128;
 constexpr int shortMixed = 112;
 constexpr int shortCplx = 64;
 
-// Each is tried with the quick bound, then with the close one.
-
 double dotProduct(const double *a, const double *b, int n)
 {
-    for (int sized = 0; n >= shortReal && sized < 2; ++sized) {
+    double result;
+    if (n < shortReal && roundedSum(addUp(a, b, n), n + 8, &result))
+        return result;
+    // With the quick bound, then with the close one.
+    for (int sized = 0; sized < 2; ++sized) {
         BoundedSum sum;
-        double result;
         boundRealProducts(sized != 0, a, b, n, &sum);
         if (roundedSum(sum, &result))
             return result;
     }
-    return addUp(a, b, n);
+    return static_cast<double>(addUp(a, b, n).sum);
 }
 
-ZCplx dotProduct(const ZCplx *a, const ZCplx *b, int n)
+void boundProducts(int sized, const ZCplx *a, const ZCplx *b, int n, BoundedSum *parts)
 {
-    for (int sized = 0; n >= shortCplx && sized < 2; ++sized) {
+    boundCplxProducts(sized != 0, partsOf(a), partsOf(b), n, parts);
+}
+
+void boundProducts(int sized, const ZCplx *z, const double *x, int n, BoundedSum *parts)
+{
+    boundMixedProducts(sized != 0, partsOf(z), x, n, parts);
+}
+
+// The same for both parts.
+template <typename Partner>
+ZCplx dotProduct(const ZCplx *a, const Partner *b, int n, int shortLen)
+{
+    ZCplx result;
+    ExtendedSum inOrder[2];
+    if (n < shortLen) {
+        addUp(a, b, n, inOrder);
+        if (roundedSum(inOrder[0], n + 8, &result.re) && roundedSum(inOrder[1], n + 8, &result.im))
+            return result;
+    }
+    for (int sized = 0; sized < 2; ++sized) {
         BoundedSum sum[2];
-        ZCplx result;
-        boundCplxProducts(sized != 0, partsOf(a), partsOf(b), n, sum);
+        boundProducts(sized, a, b, n, sum);
         if (roundedSum(sum[0], &result.re) && roundedSum(sum[1], &result.im))
             return result;
     }
-    return addUp(a, b, n);
-}
-
-ZCplx dotProduct(const ZCplx *z, const double *x, int n)
-{
-    for (int sized = 0; n >= shortMixed && sized < 2; ++sized) {
-        BoundedSum sum[2];
-        ZCplx result;
-        boundMixedProducts(sized != 0, partsOf(z), x, n, sum);
-        if (roundedSum(sum[0], &result.re) && roundedSum(sum[1], &result.im))
-            return result;
-    }
-    return addUp(z, x, n);
+    addUp(a, b, n, inOrder);
+    return {static_cast<double>(inOrder[0].sum), static_cast<double>(inOrder[1].sum)};
 }
 
 } // namespace
@@ -217,7 +245,7 @@ ZCplx rvxzDotProd(const ZCplx *srcA, const ZCplx *srcB, int len)
     RVX_REJECT_IF(srcA == nullptr, "Null buffer pointer", ZCplx{0.0, 0.0});
     RVX_REJECT_IF(srcB == nullptr, "Null buffer pointer", ZCplx{0.0, 0.0});
     RVX_REJECT_IF(len < 0, "Invalid value", ZCplx{0.0, 0.0});
-    return dotProduct(srcA, srcB, len);
+    return dotProduct(srcA, srcB, len, shortCplx);
 }
 
 ZCplx rvxdzDotProd(const double *srcA, const ZCplx *srcB, int len)
@@ -225,7 +253,7 @@ ZCplx rvxdzDotProd(const double *srcA, const ZCplx *srcB, int len)
     RVX_REJECT_IF(srcA == nullptr, "Null buffer pointer", ZCplx{0.0, 0.0});
     RVX_REJECT_IF(srcB == nullptr, "Null buffer pointer", ZCplx{0.0, 0.0});
     RVX_REJECT_IF(len < 0, "Invalid value", ZCplx{0.0, 0.0});
-    return dotProduct(srcB, srcA, len);
+    return dotProduct(srcB, srcA, len, shortMixed);
 }
 
 ZCplx rvxzdDotProd(const ZCplx *srcA, const double *srcB, int len)
@@ -233,5 +261,5 @@ ZCplx rvxzdDotProd(const ZCplx *srcA, const double *srcB, int len)
     RVX_REJECT_IF(srcA == nullptr, "Null buffer pointer", ZCplx{0.0, 0.0});
     RVX_REJECT_IF(srcB == nullptr, "Null buffer pointer", ZCplx{0.0, 0.0});
     RVX_REJECT_IF(len < 0, "Invalid value", ZCplx{0.0, 0.0});
-    return dotProduct(srcA, srcB, len);
+    return dotProduct(srcA, srcB, len, shortMixed);
 }

@@ -171,22 +171,24 @@ Extended magnitudeOf(ZCplx d)
     return std::sqrt(squareOf(d));
 }
 
+// Their terms are their magnitudes.
+
 template <typename Element>
-double addMagnitudes(const Element *a, const Element *b, int n)
+ExtendedSum addMagnitudes(const Element *a, const Element *b, int n)
 {
     Extended sum = 0.0;
     for (int i = 0; i < n; ++i)
         sum += magnitudeOf(difference(a, b, i));
-    return static_cast<double>(sum);
+    return {sum, sum};
 }
 
 template <typename Element>
-double addSquares(const Element *a, const Element *b, int n)
+ExtendedSum addSquares(const Element *a, const Element *b, int n)
 {
     Extended sum = 0.0;
     for (int i = 0; i < n; ++i)
         sum += squareOf(difference(a, b, i));
-    return static_cast<double>(sum);
+    return {sum, sum};
 }
 
 // ---------------------------------------------------------------------------
@@ -227,32 +229,32 @@ constexpr int shortSquares = 80;
 
 double sumOfMagnitudes(const double *a, const double *b, int n)
 {
-    if (n >= shortMagnitudes) {
-        BoundedSum sum;
-        double result;
-        boundMagnitudes(a, b, n, &sum);
-        if (roundedSum(sum, &result))
-            return result;
-    }
-    return addMagnitudes(a, b, n);
+    double result;
+    if (n < shortMagnitudes && roundedSum(addMagnitudes(a, b, n), n + 8, &result))
+        return result;
+    BoundedSum sum;
+    boundMagnitudes(a, b, n, &sum);
+    if (roundedSum(sum, &result))
+        return result;
+    return static_cast<double>(addMagnitudes(a, b, n).sum);
 }
 
 double sumOfMagnitudes(const ZCplx *a, const ZCplx *b, int n)
 {
-    return addMagnitudes(a, b, n);
+    return static_cast<double>(addMagnitudes(a, b, n).sum);
 }
 
 template <typename Element>
 double sumOfSquares(const Element *a, const Element *b, int n)
 {
-    if (partCount<Element>(n) >= shortSquares) {
-        BoundedSum sum;
-        double result;
-        boundSquares(parts(a), parts(b), partCount<Element>(n), &sum);
-        if (roundedSum(sum, &result))
-            return result;
-    }
-    return addSquares(a, b, n);
+    double result;
+    if (partCount<Element>(n) < shortSquares && roundedSum(addSquares(a, b, n), n + 8, &result))
+        return result;
+    BoundedSum sum;
+    boundSquares(parts(a), parts(b), partCount<Element>(n), &sum);
+    if (roundedSum(sum, &result))
+        return result;
+    return static_cast<double>(addSquares(a, b, n).sum);
 }
 
 template <typename Element>

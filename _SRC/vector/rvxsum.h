@@ -370,6 +370,21 @@ RVX_INLINE bool roundedSum(const BoundedSum &sum, double *result)
     return above == below && size >= RVX_SMALLEST_RESULT;
 }
 
+// A sum in Extended, in its family's order, and the sum of its terms' magnitudes.
+struct ExtendedSum {
+    Extended sum, magnitudes;
+};
+
+// The same for it, where no way from a term to the sum has more than roundings - 6
+// roundings in it: each is off by at most 2^-64 of the magnitudes. Short blocks are
+// done sooner this way, and nearly always told; the results are those of the lanes.
+inline bool roundedSum(const ExtendedSum &sum, int roundings, double *result)
+{
+    const Extended bound = static_cast<Extended>(roundings) * 0x1p-64L * sum.magnitudes;
+    *result = static_cast<double>(sum.sum + bound);
+    return *result == static_cast<double>(sum.sum - bound);
+}
+
 // ---------------------------------------------------------------------------
 // What statistics are made of sums.
 

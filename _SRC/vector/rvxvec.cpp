@@ -67,27 +67,33 @@ constexpr int shortMoments = 160;
 
 // sum / len. Eight sums take the elements in turn, and the turn moves on by one
 // with every eight elements.
-double meanInOrder(const double *vec, int len)
+ExtendedSum meanInOrder(const double *vec, int len)
 {
     Extended s[8] = {};
+    Extended magnitudes = 0.0;
     int i = 0;
     for (unsigned turn = 0; i < len - 7; i += 8, --turn)
-        for (unsigned k = 0; k < 8; ++k)
-            s[(turn + k) % 8] += vec[i + static_cast<int>(k)];
+        for (unsigned k = 0; k < 8; ++k) {
+            const double x = vec[i + static_cast<int>(k)];
+            s[(turn + k) % 8] += x;
+            magnitudes += std::fabs(x);
+        }
     // Sum k has moved to the place of s[(k - groups) mod 8].
     const unsigned groups = static_cast<unsigned>(len) / 8;
     Extended turned[8];
     for (unsigned k = 0; k < 8; ++k)
         turned[k] = s[(k - groups) % 8];
-    for (; i < len; ++i)
+    for (; i < len; ++i) {
         turned[0] += vec[i];
+        magnitudes += std::fabs(vec[i]);
+    }
     const Extended total = ((turned[7] + turned[3]) + (turned[5] + turned[1])) +
                            ((turned[6] + turned[2]) + (turned[4] + turned[0]));
-    return static_cast<double>(total / len);
+    return {total / len, magnitudes / len};
 }
 
 // The computational formula, with the odd elements apart from the even ones.
-double varianceInOrder(const double *vec, int len)
+ExtendedSum varianceInOrder(const double *vec, int len)
 {
     Extended a = 0.0, b = 0.0, p = 0.0, q = 0.0;
     int i = 0;
@@ -106,7 +112,7 @@ double varianceInOrder(const double *vec, int len)
         t += x * x;
     }
     const Extended n = len;
-    return static_cast<double>((t * n - s * s) / (n * (n - 1.0)));
+    return {(t * n - s * s) / (n * (n - 1.0)), t / (n - 1.0)};
 }
 
 bool isConstant(const double *vec, int len)
@@ -119,29 +125,31 @@ bool isConstant(const double *vec, int len)
 
 double meanOf(const double *vec, int len)
 {
-    if (len >= shortMean) {
-        BoundedSum sum;
-        double mean;
-        boundMean(vec, len, &sum);
-        if (roundedSum(dividedBy(sum, len), &mean))
-            return mean;
-    }
-    return meanInOrder(vec, len);
+    double mean;
+    if (len < shortMean && roundedSum(meanInOrder(vec, len), len + 8, &mean))
+        return mean;
+    BoundedSum sum;
+    boundMean(vec, len, &sum);
+    if (roundedSum(dividedBy(sum, len), &mean))
+        return mean;
+    return static_cast<double>(meanInOrder(vec, len).sum);
 }
 
 double varianceOf(const double *vec, int len)
 {
-    if (len >= shortMoments) {
-        BoundedSum sums[2];
-        double variance;
-        boundMoments(vec, len, sums);
-        if (roundedSum(boundedVariance(sums[0], sums[1], len), &variance))
-            return variance;
-    }
+    // Each of n t and s s brings as many roundings of n t as its sum has, and the
+    // second twice: s s is at most n t.
+    double variance;
+    if (len < shortMoments && roundedSum(varianceInOrder(vec, len), 3 * len + 16, &variance))
+        return variance;
+    BoundedSum sums[2];
+    boundMoments(vec, len, sums);
+    if (roundedSum(boundedVariance(sums[0], sums[1], len), &variance))
+        return variance;
     // Rounding would leave more or less than nothing here.
     if (isConstant(vec, len))
         return 0.0;
-    return varianceInOrder(vec, len);
+    return static_cast<double>(varianceInOrder(vec, len).sum);
 }
 
 double deviationOf(const double *vec, int len)
