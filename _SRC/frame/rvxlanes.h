@@ -67,6 +67,11 @@ RVX_INLINE void storeFirst(ZCplx *p, Lanes a)
     *p = {a.v[0], a.v[1]};
 }
 
+RVX_INLINE void storeFirst(double *p, Lanes a)
+{
+    *p = a.v[0];
+}
+
 RVX_INLINE Lanes allLanes(double x)
 {
     return {RvxVector{x, x, x, x}};
@@ -155,6 +160,18 @@ RVX_INLINE Lanes outerHalves(Lanes a, Lanes b)
 RVX_INLINE Lanes swapHalves(Lanes a)
 {
     return {__builtin_shufflevector(a.v, a.v, 2, 3, 0, 1)};
+}
+
+// (a0, a2, b0, b2)
+RVX_INLINE Lanes everyOther(Lanes a, Lanes b)
+{
+    return {__builtin_shufflevector(a.v, b.v, 0, 2, 4, 6)};
+}
+
+// (even0, odd1, even2, odd3)
+RVX_INLINE Lanes blendOdd(Lanes even, Lanes odd)
+{
+    return {__builtin_shufflevector(even.v, odd.v, 0, 5, 2, 7)};
 }
 
 RVX_INLINE double firstLane(Lanes a)
@@ -248,6 +265,17 @@ RVX_INLINE LaneMask operator|(LaneMask a, LaneMask b)
 RVX_INLINE LaneMask isEqual(Lanes a, Lanes b)
 {
     return {a.v == b.v};
+}
+
+RVX_INLINE LaneMask isBelow(Lanes a, Lanes b)
+{
+    return {a.v < b.v};
+}
+
+// a where the mask holds and b elsewhere
+RVX_INLINE Lanes choose(LaneMask mask, Lanes a, Lanes b)
+{
+    return {mask.b ? a.v : b.v};
 }
 
 RVX_INLINE bool anyLane(LaneMask a)
