@@ -363,6 +363,164 @@ RVX_API void rvxdCcsFft(double *samps, int order, int flags);
 RVX_API void rvxdCcsFftNip(const double *inSamps, double *outSamps, int order, int flags);
 
 /* ---------------------------------------------------------------------------
+ * Adaptive filters
+ *
+ * Least mean squares with leakage: a filter of tapsLen taps which the caller's
+ * error moves. Each step first adapts the taps with the error given now, and only
+ * then takes the samples in and gives an output; the caller forms the error from
+ * outputs given so far and hands it to a later step.
+ *
+ * Families: d real; z complex; dz real samples, complex taps, errors and outputs.
+ *
+ * taps[i] meets x[n-i], the i-th sample before the newest: neither the taps nor
+ * their meaning is reversed. The state is a record of the caller's. An initialiser
+ * fills it and allocates its two arrays, rvxLmsFree releases them. An initialiser
+ * does not look at what the record held: free a live state before initialising it
+ * again, or its arrays are lost. A record is used with the functions of the family
+ * that it was initialised by, and not before it was initialised nor after it was
+ * freed, which the checks do not notice. Fields are for reading.
+ * ------------------------------------------------------------------------- */
+
+typedef struct rvxLmsTapState {
+    void *taps;      /* tapsLen taps, double or ZCplx, in the order given */
+    int tapsLen;     /* number of taps */
+    int upFactor;    /* always 1 */
+    int upPhase;     /* always 0 */
+    int downFactor;  /* decimation factor; 1 for a single rate */
+    int downPhase;   /* decimation phase; 0 for a single rate */
+    int isMultiRate; /* 1 when downFactor is at least 2, else 0 */
+    int tapsReady;   /* 1 when taps was obtained and set, else 0 */
+    float leak;      /* leakage factor */
+    float step;      /* adaptation step */
+    int errDly;      /* delay of the error, in input samples */
+    int lmsType;     /* the caller's value, kept */
+} rvxLmsTapState;
+
+typedef struct rvxLmsDlyState {
+    void *dlyl;   /* the delay line, double or ZCplx, newest sample first */
+    int dlylLen;  /* tapsLen + errDly, and downFactor more after the Mr initialisers */
+    int dlyReady; /* 1 when dlyl was obtained and set, else 0 */
+} rvxLmsDlyState;
+
+typedef struct rvxLmsState {
+    rvxLmsTapState tapState;
+    rvxLmsDlyState dlyState;
+    ZCplx errVal; /* zero; a real filter's error has the place of re alone */
+} rvxLmsState;
+
+/* Fill a record and allocate its arrays, for one sample per step.
+ *   lmsType  kept, and without effect
+ *   tapVals  tapsLen first taps, or null for zeros
+ *   tapsLen  number of taps, at least 1
+ *   dlyVals  the tapsLen + errDly - 1 samples (Mr: and downFactor more) that went
+ *            before, oldest first, or null for zeros
+ *   step     adaptation step; at 0, below, or NaN the taps stay as they are and
+ *            leak has no effect either
+ *   leak     part of each tap that is lost in an adaptation: 0 for none
+ *   errDly   how many steps the error comes later than needed: 0 when the error of
+ *            an output is given to the very next step; not checked
+ * Checks: statePtr null; tapsLen below 1; no memory (RVX_STATUS_NO_MEMORY), which
+ * leaves the record without arrays and with one ready flag, or both, at 0. A delay
+ * line of more than 2^31 - 1 samples is refused as missing memory. A failed check
+ * of an argument leaves the record as it was.
+ *
+ * B. Widrow and M. E. Hoff, Adaptive switching circuits, 1960. */
+RVX_API void rvxdLmsInit(int lmsType, const double *tapVals, int tapsLen, const double *dlyVals,
+                         float step, float leak, int errDly, rvxLmsState *statePtr);
+RVX_API void rvxzLmsInit(int lmsType, const ZCplx *tapVals, int tapsLen, const ZCplx *dlyVals,
+                         float step, float leak, int errDly, rvxLmsState *statePtr);
+RVX_API void rvxdzLmsInit(int lmsType, const ZCplx *tapVals, int tapsLen, const double *dlyVals,
+                          float step, float leak, int errDly, rvxLmsState *statePtr);
+
+/* The same for downFactor samples per step, of which sample downPhase is the newest
+ * in the output; 0 <= downPhase < downFactor.
+ * Checks: statePtr null; tapsLen below 1; downPhase negative; downFactor not above
+ * downPhase; no memory. */
+RVX_API void rvxdLmsInitMr(int lmsType, const double *tapVals, int tapsLen, const double *dlyVals,
+                           float step, float leak, int errDly, int downFactor, int downPhase,
+                           rvxLmsState *statePtr);
+RVX_API void rvxzLmsInitMr(int lmsType, const ZCplx *tapVals, int tapsLen, const ZCplx *dlyVals,
+                           float step, float leak, int errDly, int downFactor, int downPhase,
+                           rvxLmsState *statePtr);
+RVX_API void rvxdzLmsInitMr(int lmsType, const ZCplx *tapVals, int tapsLen, const double *dlyVals,
+                            float step, float leak, int errDly, int downFactor, int downPhase,
+                            rvxLmsState *statePtr);
+
+/* One step. With x[n] the newest sample before this step,
+ *   taps[i] = taps[i] * (1 - leak) + step * err * conj(x[n - errDly - i])
+ * if step is above 0; then sample comes in as x[n + 1], and the result is the sum
+ * of taps[i] * x[n + 1 - i], from 0.0 with i ascending. Each product and sum is
+ * rounded once, each complex product is formed before it is added. On a state for
+ * several samples per step these take one sample like any other.
+ * Checks: statePtr null; the taps, then the delay line, not ready. The result is
+ * then zero. */
+RVX_API double rvxdLms(rvxLmsState *statePtr, double sample, double err);
+RVX_API ZCplx rvxzLms(rvxLmsState *statePtr, ZCplx sample, ZCplx err);
+RVX_API ZCplx rvxdzLms(rvxLmsState *statePtr, double sample, ZCplx err);
+
+/* One step of decimation: downFactor samples in, oldest first, one output. As
+ * above, where x[n] is sample downPhase of the block before, and x[n + 1] stands
+ * for inSamps[downPhase]: delays count input samples.
+ * Checks: statePtr null; inSamps null; the taps, then the delay line, not ready. */
+RVX_API double rvxdbLms(rvxLmsState *statePtr, const double *inSamps, double err);
+RVX_API ZCplx rvxzbLms(rvxLmsState *statePtr, const ZCplx *inSamps, ZCplx err);
+RVX_API ZCplx rvxdzbLms(rvxLmsState *statePtr, const double *inSamps, ZCplx err);
+
+/* Releases the arrays and sets them to null; the rest of the record stays. May be
+ * called again on a freed state; a null statePtr does nothing. */
+RVX_API void rvxLmsFree(rvxLmsState *statePtr);
+
+/* ---------------------------------------------------------------------------
+ * Up and down sampling
+ *
+ * No filtering. The phase, 0 to factor - 1, is the caller's and carries over from
+ * block to block, so that a signal may be cut anywhere. dst may be src; blocks that
+ * overlap in any other way are not supported.
+ *   src     srcLen samples
+ *   dst     room for all results
+ *   dstLen  gets the number of samples written to dst
+ * Checks: srcLen below 1; src or dst null; dstLen null; phase null; factor below 1;
+ * *phase negative; *phase not below factor (which has the factor's message).
+ * Nothing is written then.
+ * ------------------------------------------------------------------------- */
+
+/* dst[k * factor + *phase] = src[k], zeros elsewhere, *dstLen = srcLen * factor; the
+ * phase stays. Also checked: a length of the result above 2^31 - 1, last and with
+ * the message of srcLen. */
+RVX_API void rvxdUpSample(const double *src, int srcLen, double *dst, int *dstLen, int factor,
+                          int *phase);
+RVX_API void rvxzUpSample(const ZCplx *src, int srcLen, ZCplx *dst, int *dstLen, int factor,
+                          int *phase);
+
+/* dst[n] = src[*phase + n * factor] for all n that stay below srcLen, *dstLen of
+ * them; *phase becomes the place of the next such sample in the next block. */
+RVX_API void rvxdDownSample(const double *src, int srcLen, double *dst, int *dstLen, int factor,
+                            int *phase);
+RVX_API void rvxzDownSample(const ZCplx *src, int srcLen, ZCplx *dst, int *dstLen, int factor,
+                            int *phase);
+
+/* ---------------------------------------------------------------------------
+ * Median filter
+ * ------------------------------------------------------------------------- */
+
+/* out[i] = the middle one of the m samples in[i-h] to in[i+h] for 0 < i < len - 1,
+ * where h = (masksize - 1) / 2 and m = 2h + 1: an even mask is narrowed by one. The
+ * end samples stand for what is beyond them. out[0] and out[len-1] are the samples
+ * themselves. All medians are those of the unfiltered samples, in place too. Of
+ * samples that are equal, +0.0 and -0.0, either may come out. NaNs are not
+ * supported: where there is one, the medians are arbitrary.
+ *   inout     len samples, in place
+ *   in, out   len samples each; out may be in, or overlap it from above
+ *   masksize  1 or 2 changes nothing
+ * Masks of 7 and more take work memory: for up to 151 about 4096 + 6 m doubles, for
+ * wider ones at most 5 m + 4096, where m counts no more than 2 len.
+ * Checks: len below 1; inout (in, then out) null; masksize below 1; no memory
+ * (RVX_STATUS_NO_MEMORY, reported by rvxdbMedianFilter1): then inout is unchanged,
+ * and out is a copy of in. */
+RVX_API void rvxdbMedianFilter1(double *inout, int len, int masksize);
+RVX_API void rvxdbMedianFilter2(const double *in, double *out, int len, int masksize);
+
+/* ---------------------------------------------------------------------------
  * Windows
  *
  * vec[k] = vec[k] * w(k) for 0 <= k < n, in place, with symmetric weights

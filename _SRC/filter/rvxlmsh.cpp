@@ -1,0 +1,267 @@
+// rvxlmsh: adaptive filters by the method of least mean squares: their state
+// records, and the checks before each step. The steps are rvxlmsl's.
+
+#include "filter/rvxlmsh.h"
+
+#include <climits>
+#include <cstdint>
+#include <cstdlib>
+
+#include "filter/rvxlmsl.h"
+#include "frame/rvxcheck.h"
+
+RVX_MODULE("rvxlmsh")
+
+namespace {
+
+template <typename Element>
+Element *obtain(std::int64_t n)
+{
+    return static_cast<Element *>(std::malloc(static_cast<std::size_t>(n) * sizeof(Element)));
+}
+
+// The taps and the delay line, both tried for; false unless both were obtained.
+// Nothing of what the record held before is looked at.
+template <typename Tap, typename Sample>
+bool obtainArrays(std::int64_t dlylLen, rvxLmsState *state)
+{
+    rvxLmsTapState &taps = state->tapState;
+    rvxLmsDlyState &dly = state->dlyState;
+    taps.taps = obtain<Tap>(taps.tapsLen);
+    // A length that its field cannot hold is taken for missing memory.
+    const bool fits = dlylLen <= INT_MAX;
+    const std::int64_t room = rvxLmslRoom(&taps);
+    Sample *line = fits ? obtain<Sample>(room) : nullptr;
+    dly.dlyl = line;
+    dly.dlylLen = fits ? static_cast<int>(dlylLen) : 0;
+    taps.tapsReady = taps.taps != nullptr ? 1 : 0;
+    dly.dlyReady = line != nullptr ? 1 : 0;
+    if (line != nullptr)
+        for (std::int64_t i = dlylLen > 0 ? dlylLen : 0; i < room; ++i)
+            line[i] = Sample{};
+    return taps.taps != nullptr && line != nullptr;
+}
+
+template <typename Tap, typename Sample>
+bool makeState(const rvxLmsTapState &given, int moreLine, rvxLmsState *state)
+{
+    state->tapState = given;
+    state->errVal = {0.0, 0.0};
+    const std::int64_t dlylLen = std::int64_t{given.tapsLen} + given.errDly + moreLine;
+    const bool obtained = obtainArrays<Tap, Sample>(dlylLen, state);
+    if (!obtained)
+        rvxLmsFree(state);
+    return obtained;
+}
+
+// The record of the given values, before its array is there.
+rvxLmsTapState tapsOf(int lmsType, int tapsLen, float step, float leak, int errDly, int downFactor,
+                      int downPhase)
+{
+    rvxLmsTapState taps = {};
+    taps.tapsLen = tapsLen;
+    taps.upFactor = 1;
+    taps.downFactor = downFactor;
+    taps.downPhase = downPhase;
+    taps.isMultiRate = downFactor >= 2 ? 1 : 0;
+    taps.leak = leak;
+    taps.step = step;
+    taps.errDly = errDly;
+    taps.lmsType = lmsType;
+    return taps;
+}
+
+} // namespace
+
+void rvxdLmsSetTaps(const double *values, rvxLmsState *statePtr)
+{
+    RVX_REJECT_IF(statePtr == nullptr, "Null buffer pointer");
+    rvxdLmslSetTaps(values, &statePtr->tapState);
+}
+
+void rvxzLmsSetTaps(const ZCplx *values, rvxLmsState *statePtr)
+{
+    RVX_REJECT_IF(statePtr == nullptr, "Null buffer pointer");
+    rvxzLmslSetTaps(values, &statePtr->tapState);
+}
+
+void rvxdLmsSetDlyl(const double *values, rvxLmsState *statePtr)
+{
+    RVX_REJECT_IF(statePtr == nullptr, "Null buffer pointer");
+    rvxdLmslSetDlyl(values, &statePtr->dlyState);
+}
+
+void rvxzLmsSetDlyl(const ZCplx *values, rvxLmsState *statePtr)
+{
+    RVX_REJECT_IF(statePtr == nullptr, "Null buffer pointer");
+    rvxzLmslSetDlyl(values, &statePtr->dlyState);
+}
+
+void rvxdLmsInit(int lmsType, const double *tapVals, int tapsLen, const double *dlyVals, float step,
+                 float leak, int errDly, rvxLmsState *statePtr)
+{
+    RVX_REJECT_IF(statePtr == nullptr, "Null buffer pointer");
+    RVX_REJECT_IF(tapsLen < 1, "Invalid buffer length");
+    const rvxLmsTapState given = tapsOf(lmsType, tapsLen, step, leak, errDly, 1, 0);
+    if (!makeState<double, double>(given, 0, statePtr)) {
+        RVX_REPORT(RVX_STATUS_NO_MEMORY, "Problem to allocate memory");
+        return;
+    }
+    rvxdLmsSetTaps(tapVals, statePtr);
+    rvxdLmsSetDlyl(dlyVals, statePtr);
+}
+
+void rvxdLmsInitMr(int lmsType, const double *tapVals, int tapsLen, const double *dlyVals,
+                   float step, float leak, int errDly, int downFactor, int downPhase,
+                   rvxLmsState *statePtr)
+{
+    RVX_REJECT_IF(statePtr == nullptr, "Null buffer pointer");
+    RVX_REJECT_IF(tapsLen < 1, "Invalid buffer length");
+    RVX_REJECT_IF(downPhase < 0, "Invalid phase value");
+    RVX_REJECT_IF(downFactor <= downPhase, "Invalid factor value");
+    const rvxLmsTapState given =
+        tapsOf(lmsType, tapsLen, step, leak, errDly, downFactor, downPhase);
+    if (!makeState<double, double>(given, downFactor, statePtr)) {
+        RVX_REPORT(RVX_STATUS_NO_MEMORY, "Problem to allocate memory");
+        return;
+    }
+    rvxdLmsSetTaps(tapVals, statePtr);
+    rvxdLmsSetDlyl(dlyVals, statePtr);
+}
+
+void rvxzLmsInit(int lmsType, const ZCplx *tapVals, int tapsLen, const ZCplx *dlyVals, float step,
+                 float leak, int errDly, rvxLmsState *statePtr)
+{
+    RVX_REJECT_IF(statePtr == nullptr, "Null buffer pointer");
+    RVX_REJECT_IF(tapsLen < 1, "Invalid buffer length");
+    const rvxLmsTapState given = tapsOf(lmsType, tapsLen, step, leak, errDly, 1, 0);
+    if (!makeState<ZCplx, ZCplx>(given, 0, statePtr)) {
+        RVX_REPORT(RVX_STATUS_NO_MEMORY, "Problem to allocate memory");
+        return;
+    }
+    rvxzLmsSetTaps(tapVals, statePtr);
+    rvxzLmsSetDlyl(dlyVals, statePtr);
+}
+
+void rvxzLmsInitMr(int lmsType, const ZCplx *tapVals, int tapsLen, const ZCplx *dlyVals, float step,
+                   float leak, int errDly, int downFactor, int downPhase, rvxLmsState *statePtr)
+{
+    RVX_REJECT_IF(statePtr == nullptr, "Null buffer pointer");
+    RVX_REJECT_IF(tapsLen < 1, "Invalid buffer length");
+    RVX_REJECT_IF(downPhase < 0, "Invalid phase value");
+    RVX_REJECT_IF(downFactor <= downPhase, "Invalid factor value");
+    const rvxLmsTapState given =
+        tapsOf(lmsType, tapsLen, step, leak, errDly, downFactor, downPhase);
+    if (!makeState<ZCplx, ZCplx>(given, downFactor, statePtr)) {
+        RVX_REPORT(RVX_STATUS_NO_MEMORY, "Problem to allocate memory");
+        return;
+    }
+    rvxzLmsSetTaps(tapVals, statePtr);
+    rvxzLmsSetDlyl(dlyVals, statePtr);
+}
+
+void rvxdzLmsInit(int lmsType, const ZCplx *tapVals, int tapsLen, const double *dlyVals, float step,
+                  float leak, int errDly, rvxLmsState *statePtr)
+{
+    RVX_REJECT_IF(statePtr == nullptr, "Null buffer pointer");
+    RVX_REJECT_IF(tapsLen < 1, "Invalid buffer length");
+    const rvxLmsTapState given = tapsOf(lmsType, tapsLen, step, leak, errDly, 1, 0);
+    if (!makeState<ZCplx, double>(given, 0, statePtr)) {
+        RVX_REPORT(RVX_STATUS_NO_MEMORY, "Problem to allocate memory");
+        return;
+    }
+    rvxzLmsSetTaps(tapVals, statePtr);
+    rvxdLmsSetDlyl(dlyVals, statePtr);
+}
+
+void rvxdzLmsInitMr(int lmsType, const ZCplx *tapVals, int tapsLen, const double *dlyVals,
+                    float step, float leak, int errDly, int downFactor, int downPhase,
+                    rvxLmsState *statePtr)
+{
+    RVX_REJECT_IF(statePtr == nullptr, "Null buffer pointer");
+    RVX_REJECT_IF(tapsLen < 1, "Invalid buffer length");
+    RVX_REJECT_IF(downPhase < 0, "Invalid phase value");
+    RVX_REJECT_IF(downFactor <= downPhase, "Invalid factor value");
+    const rvxLmsTapState given =
+        tapsOf(lmsType, tapsLen, step, leak, errDly, downFactor, downPhase);
+    if (!makeState<ZCplx, double>(given, downFactor, statePtr)) {
+        RVX_REPORT(RVX_STATUS_NO_MEMORY, "Problem to allocate memory");
+        return;
+    }
+    rvxzLmsSetTaps(tapVals, statePtr);
+    rvxdLmsSetDlyl(dlyVals, statePtr);
+}
+
+double rvxdLms(rvxLmsState *statePtr, double sample, double err)
+{
+    RVX_REJECT_IF(statePtr == nullptr, "Null buffer pointer", 0.0);
+    RVX_REJECT_IF(statePtr->tapState.tapsReady == 0, "Taps state structure is not initialized",
+                  0.0);
+    RVX_REJECT_IF(statePtr->dlyState.dlyReady == 0, "Delay line state structure is not initialized",
+                  0.0);
+    return rvxdLmsl(&statePtr->tapState, &statePtr->dlyState, sample, err);
+}
+
+ZCplx rvxzLms(rvxLmsState *statePtr, ZCplx sample, ZCplx err)
+{
+    RVX_REJECT_IF(statePtr == nullptr, "Null buffer pointer", ZCplx{});
+    RVX_REJECT_IF(statePtr->tapState.tapsReady == 0, "Taps state structure is not initialized",
+                  ZCplx{});
+    RVX_REJECT_IF(statePtr->dlyState.dlyReady == 0, "Delay line state structure is not initialized",
+                  ZCplx{});
+    return rvxzLmsl(&statePtr->tapState, &statePtr->dlyState, sample, err);
+}
+
+ZCplx rvxdzLms(rvxLmsState *statePtr, double sample, ZCplx err)
+{
+    RVX_REJECT_IF(statePtr == nullptr, "Null buffer pointer", ZCplx{});
+    RVX_REJECT_IF(statePtr->tapState.tapsReady == 0, "Taps state structure is not initialized",
+                  ZCplx{});
+    RVX_REJECT_IF(statePtr->dlyState.dlyReady == 0, "Delay line state structure is not initialized",
+                  ZCplx{});
+    return rvxdzLmsl(&statePtr->tapState, &statePtr->dlyState, sample, err);
+}
+
+double rvxdbLms(rvxLmsState *statePtr, const double *inSamps, double err)
+{
+    RVX_REJECT_IF(statePtr == nullptr, "Null buffer pointer", 0.0);
+    RVX_REJECT_IF(inSamps == nullptr, "Null buffer pointer", 0.0);
+    RVX_REJECT_IF(statePtr->tapState.tapsReady == 0, "Taps state structure is not initialized",
+                  0.0);
+    RVX_REJECT_IF(statePtr->dlyState.dlyReady == 0, "Delay line state structure is not initialized",
+                  0.0);
+    return rvxdbLmsl(&statePtr->tapState, &statePtr->dlyState, inSamps, err);
+}
+
+ZCplx rvxzbLms(rvxLmsState *statePtr, const ZCplx *inSamps, ZCplx err)
+{
+    RVX_REJECT_IF(statePtr == nullptr, "Null buffer pointer", ZCplx{});
+    RVX_REJECT_IF(inSamps == nullptr, "Null buffer pointer", ZCplx{});
+    RVX_REJECT_IF(statePtr->tapState.tapsReady == 0, "Taps state structure is not initialized",
+                  ZCplx{});
+    RVX_REJECT_IF(statePtr->dlyState.dlyReady == 0, "Delay line state structure is not initialized",
+                  ZCplx{});
+    return rvxzbLmsl(&statePtr->tapState, &statePtr->dlyState, inSamps, err);
+}
+
+ZCplx rvxdzbLms(rvxLmsState *statePtr, const double *inSamps, ZCplx err)
+{
+    RVX_REJECT_IF(statePtr == nullptr, "Null buffer pointer", ZCplx{});
+    RVX_REJECT_IF(inSamps == nullptr, "Null buffer pointer", ZCplx{});
+    RVX_REJECT_IF(statePtr->tapState.tapsReady == 0, "Taps state structure is not initialized",
+                  ZCplx{});
+    RVX_REJECT_IF(statePtr->dlyState.dlyReady == 0, "Delay line state structure is not initialized",
+                  ZCplx{});
+    return rvxdzbLmsl(&statePtr->tapState, &statePtr->dlyState, inSamps, err);
+}
+
+// Deliberately without a report, and the ready flags stay as they are.
+void rvxLmsFree(rvxLmsState *statePtr)
+{
+    if (statePtr == nullptr)
+        return;
+    std::free(statePtr->tapState.taps);
+    std::free(statePtr->dlyState.dlyl);
+    statePtr->tapState.taps = nullptr;
+    statePtr->dlyState.dlyl = nullptr;
+}

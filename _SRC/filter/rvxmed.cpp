@@ -1,0 +1,289 @@
+// rvxmed: running median, the ends repeated beyond the edges.
+//
+// Masks of 3 and 5 are networks of minima and maxima, four outputs side by side.
+// Wider masks keep the window sorted. Up to RVX_MEDIAN_IN_LANES four windows slide
+// along four stretches of the block, one in each lane: removing a sample from a
+// sorted window and putting another in are a comparison, a choice, a minimum and a
+// maximum per place, without a branch. Wider ones search the places by bisection
+// and move what lies between.
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "frame/rvxbuffer.h"
+#include "frame/rvxcheck.h"
+#include "frame/rvxkernel.h"
+#include "frame/rvxlanes.h"
+#include "rvx.h"
+
+RVX_MODULE("rvxmed")
+
+namespace {
+
+constexpr std::ptrdiff_t RVX_MEDIAN_IN_LANES = 151; // the widest mask of this kind
+constexpr std::ptrdiff_t RVX_MEDIAN_CHUNK = 4096;   // outputs per filling of the line
+
+// x[i], where the ends go on beyond the edges.
+RVX_INLINE double atOrEnd(const double *x, std::ptrdiff_t len, std::ptrdiff_t i)
+{
+    return x[i < 0 ? 0 : i >= len ? len - 1 : i];
+}
+
+// ---------------------------------------------------------------------------
+// Masks of 3 and 5.
+
+RVX_INLINE Lanes middle(Lanes a, Lanes b, Lanes c)
+{
+    return maxLanes(minLanes(a, b), minLanes(maxLanes(a, b), c));
+}
+
+// The medians about x[0] to x[3].
+template <int mask>
+RVX_INLINE Lanes networkMedians(const double *x)
+{
+    if (mask == 3)
+        return middle(loadLanes(x - 1), loadLanes(x), loadLanes(x + 1));
+    const Lanes w0 = loadLanes(x - 2), w1 = loadLanes(x - 1);
+    const Lanes w2 = loadLanes(x + 1), w3 = loadLanes(x + 2);
+    const Lanes a = maxLanes(minLanes(w0, w1), minLanes(w2, w3));
+    const Lanes b = minLanes(maxLanes(w0, w1), maxLanes(w2, w3));
+    return middle(a, b, loadLanes(x));
+}
+
+// x[0] to x[n - 1] become their medians; mask / 2 samples stand on either side, and
+// n is 4 at least. A vector leaves after the next one has been read; the last four
+// are made first, for their samples will be overwritten.
+template <int mask>
+RVX_INLINE void filterByNetwork(double *x, std::ptrdiff_t n)
+{
+    const Lanes last = networkMedians<mask>(x + n - 4);
+    Lanes now = networkMedians<mask>(x);
+    std::ptrdiff_t i = 4;
+    for (; i < n - 4; i += 4) {
+        const Lanes next = networkMedians<mask>(x + i);
+        storeLanes(x + i - 4, now);
+        now = next;
+    }
+    storeLanes(x + i - 4, now);
+    storeLanes(x + n - 4, last);
+}
+
+// The median about any x[i] of len samples.
+template <int mask>
+RVX_INLINE double networkMedian(const double *x, std::ptrdiff_t len, std::ptrdiff_t i)
+{
+    double around[mask + 3];
+    for (int k = 0; k < mask + 3; ++k)
+        around[k] = atOrEnd(x, len, i - mask / 2 + k);
+    return firstLane(networkMedians<mask>(around + mask / 2));
+}
+
+// x[1] to x[len - 2] become their medians.
+template <int mask>
+RVX_INLINE void filterNarrow(double *x, std::ptrdiff_t len)
+{
+    const std::ptrdiff_t inner = len - (mask - 1); // outputs whose window has no edge in it
+    if (inner < 4) {
+        double medians[mask];
+        for (std::ptrdiff_t i = 1; i < len - 1; ++i)
+            medians[i - 1] = networkMedian<mask>(x, len, i);
+        for (std::ptrdiff_t i = 1; i < len - 1; ++i)
+            x[i] = medians[i - 1];
+        return;
+    }
+    const double first = networkMedian<mask>(x, len, 1);
+    const double last = networkMedian<mask>(x, len, len - 2);
+    filterByNetwork<mask>(x + mask / 2, inner);
+    x[1] = first;
+    x[len - 2] = last;
+}
+
+RVX_KERNEL void medianOfThree(double *x, int len)
+{
+    filterNarrow<3>(x, len);
+}
+
+RVX_KERNEL void medianOfFive(double *x, int len)
+{
+    filterNarrow<5>(x, len);
+}
+
+// ---------------------------------------------------------------------------
+// Wider masks.
+
+// A block of outputs and the samples that they need: line[k] and the m - 1 behind
+// it are the window of output k.
+struct Windows {
+    const double *line;
+    std::ptrdiff_t n;
+    std::ptrdiff_t mask;
+    double *sorted;
+};
+
+// One step of four sorted windows: `old` leaves, `fresh` comes in. Behind the
+// window stands infinity.
+RVX_INLINE void slideSorted(double *sorted, std::ptrdiff_t mask, Lanes old, Lanes fresh)
+{
+    Lanes at = loadLanes(sorted);
+    Lanes below = allLanes(-__builtin_inf());
+    for (std::ptrdiff_t j = 0; j < mask; ++j) {
+        const Lanes next = loadLanes(sorted + 4 * j + 4);
+        const Lanes left = choose(isBelow(at, old), at, next); // without the old one
+        storeLanes(sorted + 4 * j, minLanes(left, maxLanes(below, fresh)));
+        below = left;
+        at = next;
+    }
+}
+
+// Puts one into windows that have n places filled.
+RVX_INLINE void growSorted(double *sorted, std::ptrdiff_t n, Lanes fresh)
+{
+    Lanes below = allLanes(-__builtin_inf());
+    for (std::ptrdiff_t j = 0; j < n; ++j) {
+        const Lanes at = loadLanes(sorted + 4 * j);
+        storeLanes(sorted + 4 * j, minLanes(at, maxLanes(below, fresh)));
+        below = at;
+    }
+    storeLanes(sorted + 4 * n, maxLanes(below, fresh));
+}
+
+// Each lane has its stretch of the outputs; where they do not divide by four the
+// last stretch lies partly over the one before it and gives the same again.
+RVX_KERNEL void medianInLanes(const Windows &windows, double *out)
+{
+    const std::ptrdiff_t mask = windows.mask;
+    const std::ptrdiff_t stretch = (windows.n + 3) / 4;
+    const std::ptrdiff_t limit = windows.n - stretch;
+    const std::ptrdiff_t s1 = stretch < limit ? stretch : limit;
+    const std::ptrdiff_t s2 = 2 * stretch < limit ? 2 * stretch : limit;
+    const std::ptrdiff_t s3 = limit;
+    const double *line = windows.line;
+    double *sorted = windows.sorted;
+    for (std::ptrdiff_t q = 0; q < mask; ++q)
+        growSorted(sorted, q, lanesOf(line[q], line[s1 + q], line[s2 + q], line[s3 + q]));
+    storeLanes(sorted + 4 * mask, allLanes(__builtin_inf()));
+    for (std::ptrdiff_t t = 0;; ++t) {
+        const double *median = sorted + 4 * (mask / 2);
+        out[t] = median[0];
+        out[s1 + t] = median[1];
+        out[s2 + t] = median[2];
+        out[s3 + t] = median[3];
+        if (t == stretch - 1)
+            return;
+        const double *old = line + t;
+        const double *fresh = old + mask;
+        slideSorted(sorted, mask, lanesOf(old[0], old[s1], old[s2], old[s3]),
+                    lanesOf(fresh[0], fresh[s1], fresh[s2], fresh[s3]));
+    }
+}
+
+// How many of n ascending values lie below x.
+std::ptrdiff_t countBelow(const double *sorted, std::ptrdiff_t n, double x)
+{
+    const double *from = sorted;
+    for (; n > 1; n -= n / 2)
+        from = from[n / 2 - 1] < x ? from + n / 2 : from;
+    return from - sorted + (*from < x ? 1 : 0);
+}
+
+// In a sorted window of n, `fresh` in place of `old`. With NaNs about, the places
+// found mean nothing but stay inside.
+void replaceSorted(double *sorted, std::ptrdiff_t n, double old, double fresh)
+{
+    const std::ptrdiff_t hole = std::min(countBelow(sorted, n, old), n - 1);
+    const std::ptrdiff_t place = countBelow(sorted, n, fresh);
+    if (place > hole) {
+        std::copy(sorted + hole + 1, sorted + place, sorted + hole);
+        sorted[place - 1] = fresh;
+    } else {
+        std::copy_backward(sorted + place, sorted + hole, sorted + hole + 1);
+        sorted[place] = fresh;
+    }
+}
+
+void medianByMoves(const Windows &windows, double *out)
+{
+    const std::ptrdiff_t mask = windows.mask;
+    double *sorted = windows.sorted;
+    std::copy(windows.line, windows.line + mask, sorted);
+    // A heap stays inside its array whatever comparisons say of NaNs.
+    std::make_heap(sorted, sorted + mask);
+    std::sort_heap(sorted, sorted + mask);
+    out[0] = sorted[mask / 2];
+    for (std::ptrdiff_t t = 1; t < windows.n; ++t) {
+        replaceSorted(sorted, mask, windows.line[t - 1], windows.line[t - 1 + mask]);
+        out[t] = sorted[mask / 2];
+    }
+}
+
+// x[1] to x[len - 2] become their medians, a chunk at a time. The line keeps the
+// samples that the results overwrite.
+void filterWide(double *x, std::ptrdiff_t len, std::ptrdiff_t mask, std::ptrdiff_t chunk,
+                double *scratch)
+{
+    const std::ptrdiff_t half = mask / 2;
+    double *line = scratch;
+    double *sorted = scratch + chunk + mask - 1;
+    for (std::ptrdiff_t k = 0; k < mask - 1; ++k)
+        line[k] = atOrEnd(x, len, 1 - half + k);
+    for (std::ptrdiff_t i = 1; i < len - 1; i += chunk) {
+        const std::ptrdiff_t n = std::min(chunk, len - 1 - i);
+        for (std::ptrdiff_t k = 0; k < n; ++k)
+            line[mask - 1 + k] = atOrEnd(x, len, i + half + k);
+        const Windows windows = {line, n, mask, sorted};
+        if (mask <= RVX_MEDIAN_IN_LANES)
+            medianInLanes(windows, x + i);
+        else
+            medianByMoves(windows, x + i);
+        std::copy(line + n, line + n + mask - 1, line);
+    }
+}
+
+// False where there is no memory.
+bool medianWide(double *x, int len, int masksize)
+{
+    // A window that reaches over both ends has more copies of the two end samples
+    // than others; further copies, as many of each, leave its middle where it is.
+    const std::ptrdiff_t half = std::min((masksize - 1) / 2, len - 2);
+    const std::ptrdiff_t mask = 2 * half + 1;
+    const std::ptrdiff_t chunk = std::min<std::ptrdiff_t>(std::max(RVX_MEDIAN_CHUNK, mask), len);
+    const std::ptrdiff_t windows = mask <= RVX_MEDIAN_IN_LANES ? 4 : 1;
+    const std::ptrdiff_t doubles = chunk + mask - 1 + windows * (mask + 1);
+    if (doubles > static_cast<std::ptrdiff_t>(UINT32_MAX))
+        return false;
+    double *scratch = rvxAllocDoubles(static_cast<std::uint32_t>(doubles));
+    if (scratch == nullptr)
+        return false;
+    filterWide(x, len, mask, chunk, scratch);
+    rvxFreeAligned(scratch);
+    return true;
+}
+
+} // namespace
+
+void rvxdbMedianFilter1(double *inout, int len, int masksize)
+{
+    RVX_REJECT_IF(len <= 0, "len<=0");
+    RVX_REJECT_IF(inout == nullptr, "inout==0");
+    RVX_REJECT_IF(masksize <= 0, "masksize<=0");
+    if (len < 3 || masksize < 3)
+        return;
+    if (masksize < 5)
+        medianOfThree(inout, len);
+    else if (masksize < 7)
+        medianOfFive(inout, len);
+    else if (!medianWide(inout, len, masksize))
+        RVX_REPORT(RVX_STATUS_NO_MEMORY, "out of memory");
+}
+
+void rvxdbMedianFilter2(const double *in, double *out, int len, int masksize)
+{
+    RVX_REJECT_IF(len <= 0, "len<=0");
+    RVX_REJECT_IF(in == nullptr, "in==0");
+    RVX_REJECT_IF(out == nullptr, "out==0");
+    RVX_REJECT_IF(masksize <= 0, "masksize<=0");
+    rvxdbCopy(in, out, len);
+    rvxdbMedianFilter1(out, len, masksize);
+}

@@ -1,0 +1,258 @@
+// Median filter.
+
+#include <climits>
+#include <cmath>
+#include <limits>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "reference/median.h"
+#include "rvx.h"
+#include "support/allocations.h"
+#include "support/blocks.h"
+#include "support/guarded.h"
+#include "support/reports.h"
+
+namespace {
+
+constexpr double INF = std::numeric_limits<double>::infinity();
+constexpr double QUIET = std::numeric_limits<double>::quiet_NaN();
+
+// Either sign of zero may come out.
+bool sameValue(double a, double b)
+{
+    return bitsOf(a) == bitsOf(b) || (a == 0.0 && b == 0.0);
+}
+
+bool sameValues(const std::vector<double> &a, const std::vector<double> &b)
+{
+    bool same = a.size() == b.size();
+    for (std::size_t i = 0; same && i < a.size(); ++i)
+        same = sameValue(a[i], b[i]);
+    return same;
+}
+
+// Both forms, at every alignment in turn, against the windows sorted anew.
+void expectMedians(const std::vector<double> &x, int masksize)
+{
+    const auto len = static_cast<int>(x.size());
+    const std::vector<double> expected = reference::runningMedian(x, masksize);
+    Guarded<double> inPlace(x, len % 4);
+    rvxdbMedianFilter1(inPlace.data(), len, masksize);
+    EXPECT_TRUE(sameValues(inPlace.values(), expected)) << "len " << len << " mask " << masksize;
+    EXPECT_TRUE(inPlace.intact());
+    Guarded<double> in(x, (len + 1) % 4);
+    Guarded<double> out(len, (len + 2) % 4);
+    rvxdbMedianFilter2(in.data(), out.data(), len, masksize);
+    EXPECT_TRUE(sameValues(out.values(), expected)) << "len " << len << " mask " << masksize;
+    EXPECT_TRUE(sameValues(in.values(), x));
+    EXPECT_TRUE(out.intact() && in.intact());
+}
+
+// Few different values: many equal ones in each window.
+std::vector<double> steps(int len, unsigned seed)
+{
+    std::vector<double> x = makeBlock(Temper::uniform, len, seed);
+    for (double &value : x)
+        value = std::floor(4.0 * value);
+    return x;
+}
+
+} // namespace
+
+TEST(MedianChecks, EachInItsOrderAndNothingWritten)
+{
+    Reports reports;
+    double x[4] = {4.0, 1.0, 3.0, 2.0};
+    for (int len : {0, -1, INT_MIN}) {
+        rvxdbMedianFilter1(nullptr, len, 0);
+        EXPECT_EQ(reports.take(), badArgument("rvxdbMedianFilter1", "len<=0", "rvxmed"));
+        rvxdbMedianFilter2(nullptr, nullptr, len, 0);
+        EXPECT_EQ(reports.take(), badArgument("rvxdbMedianFilter2", "len<=0", "rvxmed"));
+    }
+    rvxdbMedianFilter1(nullptr, 4, 0);
+    EXPECT_EQ(reports.take(), badArgument("rvxdbMedianFilter1", "inout==0", "rvxmed"));
+    rvxdbMedianFilter2(nullptr, nullptr, 4, 0);
+    EXPECT_EQ(reports.take(), badArgument("rvxdbMedianFilter2", "in==0", "rvxmed"));
+    rvxdbMedianFilter2(x, nullptr, 4, 0);
+    EXPECT_EQ(reports.take(), badArgument("rvxdbMedianFilter2", "out==0", "rvxmed"));
+    for (int masksize : {0, -1, -3, INT_MIN}) {
+        double out[4] = {9.0, 9.0, 9.0, 9.0};
+        rvxdbMedianFilter1(x, 4, masksize);
+        EXPECT_EQ(reports.take(), badArgument("rvxdbMedianFilter1", "masksize<=0", "rvxmed"));
+        rvxdbMedianFilter2(x, out, 4, masksize);
+        EXPECT_EQ(reports.take(), badArgument("rvxdbMedianFilter2", "masksize<=0", "rvxmed"));
+        for (double value : out)
+            EXPECT_EQ(value, 9.0);
+    }
+    EXPECT_EQ(x[0] * 1000 + x[1] * 100 + x[2] * 10 + x[3], 4132.0);
+    EXPECT_EQ(rvxGetErrStatus(), RVX_STATUS_BAD_ARGUMENT);
+}
+
+TEST(MedianChecks, EndTheProcessInModeZero)
+{
+    EXPECT_EXIT(rvxdbMedianFilter1(nullptr, 3, 3), ::testing::ExitedWithCode(1), "");
+}
+
+TEST(MedianChecks, AStaleStatusPlaysNoPart)
+{
+    Reports reports;
+    rvxSetErrStatus(RVX_STATUS_NO_MEMORY);
+    double x[3] = {3.0, 9.0, 4.0};
+    rvxdbMedianFilter1(x, 3, 3);
+    EXPECT_EQ(x[1], 4.0);
+    EXPECT_EQ(rvxGetErrStatus(), RVX_STATUS_NO_MEMORY);
+}
+
+TEST(Median, EveryLengthAndMaskUpToTwenty)
+{
+    Reports reports;
+    for (int masksize = 1; masksize <= 20; ++masksize)
+        for (int len = 1; len <= 80; ++len) {
+            expectMedians(makeBlock(Temper::uniform, len, static_cast<unsigned>(len)), masksize);
+            expectMedians(steps(len, static_cast<unsigned>(len)), masksize);
+        }
+    EXPECT_TRUE(reports.take().empty());
+}
+
+TEST(Median, WideMasksAndTheChangeBetweenWaysOfSorting)
+{
+    for (int masksize : {31, 32, 101, 149, 150, 151, 152, 153, 154, 155, 301})
+        for (int len : {3, 4, 29, 100, 152, 153, 154, 155, 306, 700}) {
+            expectMedians(makeBlock(Temper::uniform, len, 5), masksize);
+            expectMedians(steps(len, 6), masksize);
+        }
+}
+
+TEST(Median, LongBlocksGoThroughInChunks)
+{
+    for (int masksize : {3, 5, 7, 31})
+        for (int len : {4097, 4098, 4099, 4100, 8194, 8195, 9001, 12301})
+            expectMedians(makeBlock(Temper::uniform, len, 7), masksize);
+    expectMedians(makeBlock(Temper::uniform, 9001, 8), 153);
+    expectMedians(steps(4600, 8), 4201);
+}
+
+TEST(Median, MasksFarWiderThanTheBlock)
+{
+    for (int len = 3; len <= 24; ++len)
+        for (int masksize : {2 * len - 5, 2 * len - 3, 2 * len - 1, 2 * len + 1, 4 * len, 1001})
+            for (unsigned seed = 0; seed < 20; ++seed) {
+                if (masksize < 1)
+                    continue;
+                expectMedians(makeBlock(Temper::uniform, len, seed), masksize);
+                expectMedians(steps(len, seed), masksize);
+            }
+    // Only the two end samples count any more.
+    std::vector<double> x = {1.0, 9.0, 4.0, 0.0, 7.0, 5.0};
+    const std::vector<double> expected = reference::runningMedian(x, 100001);
+    rvxdbMedianFilter1(x.data(), 6, INT_MAX);
+    EXPECT_EQ(x, expected);
+}
+
+TEST(Median, KnownCases)
+{
+    double x[3] = {5.0, 1.0, 2.0};
+    rvxdbMedianFilter1(x, 3, 5); // of 5, 5, 1, 2, 2
+    EXPECT_EQ(x[1], 2.0);
+    double spike[7] = {0.0, 0.0, 0.0, 99.0, 0.0, 0.0, -99.0};
+    rvxdbMedianFilter1(spike, 7, 3);
+    EXPECT_EQ(spike[3], 0.0);
+    EXPECT_EQ(spike[6], -99.0); // ends stay
+    double edge[6] = {1.0, 1.0, 1.0, 2.0, 2.0, 2.0};
+    rvxdbMedianFilter1(edge, 6, 5);
+    EXPECT_EQ(edge[2], 1.0);
+    EXPECT_EQ(edge[3], 2.0);
+}
+
+TEST(Median, EvenMasksAreNarrowed)
+{
+    const std::vector<double> x = makeBlock(Temper::uniform, 500, 11);
+    for (int masksize : {2, 4, 6, 8, 32, 152, 154}) {
+        std::vector<double> even = x, odd = x;
+        rvxdbMedianFilter1(even.data(), 500, masksize);
+        rvxdbMedianFilter1(odd.data(), 500, masksize - 1);
+        EXPECT_EQ(even, odd);
+    }
+}
+
+TEST(Median, EveryTemperWithoutNaN)
+{
+    for (Temper temper : allTempers) {
+        if (temper == Temper::specials)
+            continue;
+        for (int masksize : {3, 5, 7, 9, 33, 155})
+            expectMedians(makeBlock(temper, 333, 12), masksize);
+    }
+    expectMedians(std::vector<double>(50, INF), 9);
+    expectMedians(std::vector<double>(50, -INF), 9);
+}
+
+// What comes out is not promised; that nothing else is touched is.
+TEST(Median, NaNsLeadNowhereElse)
+{
+    for (int masksize : {3, 5, 7, 9, 31, 151, 153, 201})
+        for (int len : {3, 8, 50, 400}) {
+            for (int every : {1, 2, 7}) {
+                std::vector<double> x = makeBlock(Temper::uniform, len, 13);
+                for (int i = 0; i < len; i += every)
+                    x[static_cast<std::size_t>(i)] = QUIET;
+                Guarded<double> block(x);
+                rvxdbMedianFilter1(block.data(), len, masksize);
+                EXPECT_TRUE(block.intact());
+                EXPECT_EQ(bitsOf(block[0]), bitsOf(x.front()));
+                EXPECT_EQ(bitsOf(block[len - 1]), bitsOf(x.back()));
+            }
+        }
+}
+
+TEST(Median, ResultOverlappingTheSourceFromAbove)
+{
+    const std::vector<double> x = makeBlock(Temper::uniform, 103, 14);
+    for (int masksize : {3, 5, 9, 155}) {
+        std::vector<double> block = x;
+        rvxdbMedianFilter2(block.data(), block.data() + 3, 100, masksize);
+        const std::vector<double> expected =
+            reference::runningMedian(std::vector<double>(x.begin(), x.begin() + 100), masksize);
+        EXPECT_EQ(std::vector<double>(block.begin() + 3, block.end()), expected);
+        block = x;
+        rvxdbMedianFilter2(block.data(), block.data(), 100, masksize);
+        EXPECT_EQ(std::vector<double>(block.begin(), block.begin() + 100), expected);
+    }
+}
+
+TEST(MedianMemory, OnlyWideMasksTakeItAndTheyGiveItBack)
+{
+    std::vector<double> x = makeBlock(Temper::uniform, 400, 15);
+    for (int masksize : {1, 3, 5, 6, 7, 9, 151, 153, INT_MAX}) {
+        AllocationWatch watch;
+        rvxdbMedianFilter1(x.data(), 400, masksize);
+        EXPECT_EQ(watch.allocations(), masksize >= 7 ? 1 : 0);
+        EXPECT_EQ(watch.live(), 0);
+    }
+}
+
+TEST(MedianMemory, RefusedMemoryIsReportedAndNothingChanged)
+{
+    Reports reports;
+    const std::vector<double> x = makeBlock(Temper::uniform, 400, 16);
+    for (int masksize : {7, 8, 9, 31, 151, 153, 1001, INT_MAX}) {
+        std::vector<double> inPlace = x, out(400, 0.0);
+        const std::vector<Report> expected = {
+            {RVX_STATUS_NO_MEMORY, "rvxdbMedianFilter1", "out of memory", "rvxmed"}};
+        {
+            AllocationWatch watch(1);
+            rvxdbMedianFilter1(inPlace.data(), 400, masksize);
+            EXPECT_EQ(watch.failures(), 1);
+        }
+        EXPECT_EQ(reports.take(), expected);
+        EXPECT_EQ(inPlace, x);
+        {
+            AllocationWatch watch(1);
+            rvxdbMedianFilter2(x.data(), out.data(), 400, masksize);
+        }
+        EXPECT_EQ(reports.take(), expected);
+        EXPECT_EQ(out, x);
+    }
+}
