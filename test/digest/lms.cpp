@@ -48,10 +48,10 @@ void digestSingle(Digest &digest, Init init, Step step)
 {
     FixedData data(70);
     for (int tapsLen = 1; tapsLen <= 21; ++tapsLen) {
+        const std::vector<Tap> taps = samplesOf(data, tapsLen, Tap{});
+        const std::vector<Sample> before = samplesOf(data, tapsLen + RVX_DELAY - 1, Sample{});
         rvxLmsState state;
-        init(0, samplesOf(data, tapsLen, Tap{}).data(), tapsLen,
-             samplesOf(data, tapsLen + RVX_DELAY - 1, Sample{}).data(), 0.125f, 0.01f, RVX_DELAY,
-             &state);
+        init(0, taps.data(), tapsLen, before.data(), 0.125f, 0.01f, RVX_DELAY, &state);
         digestSteps<Tap, Sample>(digest, data, state, step);
     }
 }
@@ -62,10 +62,12 @@ void digestMultiRate(Digest &digest, Init init, Step step)
     FixedData data(71);
     for (int tapsLen = 1; tapsLen <= 21; ++tapsLen)
         for (int factor = 1; factor <= 3; ++factor) {
+            const std::vector<Tap> taps = samplesOf(data, tapsLen, Tap{});
+            const int earlier = tapsLen + RVX_DELAY + factor - 1;
+            const std::vector<Sample> before = samplesOf(data, earlier, Sample{});
             rvxLmsState state;
-            init(0, samplesOf(data, tapsLen, Tap{}).data(), tapsLen,
-                 samplesOf(data, tapsLen + RVX_DELAY + factor - 1, Sample{}).data(), 0.125f, 0.01f,
-                 RVX_DELAY, factor, factor - 1, &state);
+            init(0, taps.data(), tapsLen, before.data(), 0.125f, 0.01f, RVX_DELAY, factor,
+                 factor - 1, &state);
             digestSteps<Tap, Sample>(digest, data, state, step);
         }
 }
