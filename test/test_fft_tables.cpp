@@ -179,6 +179,34 @@ TEST(BitReversal, InPlaceTakesEachElementToItsPlace)
         }
 }
 
+TEST(BitReversal, WithoutMemoryForItsListGivesTheSameAndSaysNothing)
+{
+    Reports reports;
+    for (int status : {0, -5})
+        for (int order = 2; order <= 14; ++order) {
+            const int n = 1 << order;
+            Guarded<ZCplx> vec(n, order % 4);
+            for (int i = 0; i < n; ++i)
+                vec[i] = {i + 0.25, -i - 0.5};
+            rvxSetErrStatus(status);
+            {
+                AllocationWatch watch(1);
+                rvxzbBitRev1(vec.data(), order);
+                EXPECT_EQ(watch.failures(), order == 2 ? 0 : 1);
+                EXPECT_EQ(watch.live(), 0);
+            }
+            EXPECT_EQ(rvxGetErrStatus(), status);
+            EXPECT_EQ(held(), "");
+            for (int i = 0; i < n; ++i) {
+                const double from = reversedBits(static_cast<std::uint32_t>(i), order);
+                ASSERT_EQ(vec[i].re, from + 0.25) << order;
+                ASSERT_EQ(vec[i].im, -from - 0.5) << order;
+            }
+            EXPECT_TRUE(vec.intact());
+        }
+    EXPECT_TRUE(reports.take().empty());
+}
+
 TEST(BitReversal, ChecksInTheirOrder)
 {
     Reports reports;

@@ -7,6 +7,8 @@
 
 #include "transform/rvxmisc.h"
 
+#include <utility>
+
 #include "frame/rvxbuffer.h"
 #include "frame/rvxcheck.h"
 #include "frame/rvxthread.h"
@@ -44,6 +46,18 @@ void fillSwapList(std::uint32_t *list, std::uint32_t fields)
     }
     list[front] = 0;
     list[fields] = 0;
+}
+
+// The reversal of an array without its list: slower, but it needs no memory.
+void reverseByCounter(ZCplx *vec, int order)
+{
+    const std::uint32_t n = std::uint32_t{1} << order;
+    std::uint32_t reversed = 0;
+    for (std::uint32_t i = 1; i < n - 1; ++i) {
+        reversed = nextReversed(reversed, n >> 1);
+        if (i < reversed)
+            std::swap(vec[i], vec[reversed]);
+    }
 }
 
 template <typename Entry>
@@ -135,5 +149,9 @@ void rvxzbBitRev1(ZCplx *vec, int order)
     RVX_REJECT_IF(vec == nullptr, "vec==0");
     if (order < 2)
         return;
-    rvxBitRevInPlace(vec, 1 << order, order > 2 ? rvxGetBitRevSwapTbl(order) : nullptr);
+    const std::uint32_t *swapTbl = order > 2 ? rvxGetBitRevSwapTbl(order) : nullptr;
+    if (swapTbl != nullptr)
+        rvxBitRevInPlace(vec, 1 << order, swapTbl);
+    else
+        reverseByCounter(vec, order);
 }

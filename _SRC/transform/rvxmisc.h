@@ -22,7 +22,7 @@ void rvxFreeBitRevSwapTbl(int order);
 // All entries of both kinds.
 void rvxFreeBitRevTables();
 
-// Reverses 2^order values in place.
+// Reverses 2^order values in place, without memory for the swap list too.
 void rvxzbBitRev1(ZCplx *vec, int order);
 
 #endif
