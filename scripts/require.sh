@@ -101,7 +101,7 @@ step() {
         printf 'ok %5d s\n' $((SECONDS - begin))
     else
         printf 'FAILED\n'
-        grep -vE '^ *Start +[0-9]+: | Passed +[0-9.]+ sec$' "$log" | tail -n 60 >&2
+        grep -vE '^ *Start +[0-9]+: | Passed +[0-9.]+ sec$|^\[[0-9]+/[0-9]+\] ' "$log" | tail -n 60 >&2
     fi
     return "$status"
 }
