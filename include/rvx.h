@@ -363,6 +363,114 @@ RVX_API void rvxdCcsFft(double *samps, int order, int flags);
 RVX_API void rvxdCcsFftNip(const double *inSamps, double *outSamps, int order, int flags);
 
 /* ---------------------------------------------------------------------------
+ * Recursive filters (IIR)
+ *
+ * A filter of order N in direct form,
+ *   a[0] y[n] = b[0] x[n] + ... + b[N] x[n-N] - a[1] y[n-1] - ... - a[N] y[n-N],
+ * or a cascade of second-order sections ("biquads") of that equation with N = 2.
+ *
+ * Four families: d has real samples and taps, z complex ones, dz real samples and
+ * complex taps, zd complex samples and real taps. Results and past values are
+ * complex in the last three. A real factor works on each part by itself.
+ *
+ * A filter is a record of the caller's: cleared at first (all bytes zero), filled
+ * by an initialiser, used sample by sample or in blocks, freed. It starts from
+ * zeros. One-sample and block calls mix freely: a block of any cut gives the bits
+ * of one-sample calls. Every operation below is rounded once, in this order.
+ *
+ *   Direct form II transposed, b and a divided by a[0]:
+ *     y = b[0] x + d[0]
+ *     d[i-1] = (b[i] x - a[i] y) + d[i]    for 0 < i < N
+ *     d[N-1] = b[N] x - a[N] y             and y = b[0] x where N is 0
+ *   Cascade, a section's b divided by its b0 and a by its a0, with the gain g, the
+ *   product of all b0 / a0, in front; each section in direct form II:
+ *     v = g x
+ *     w = (v - a1 d0) - a2 d1;  v = w + (b2 d1 + b1 d0);  d1 = d0;  d0 = w
+ *
+ * Statuses. Unlike other families these functions obey a status from before the
+ * call. While it is negative, samples give zero, blocks write nothing, and both
+ * leave the filter as it is; while it is not 0, initialisers fail. Clear it with
+ * rvxSetErrStatus(0) first.
+ *
+ * Direct form II transposed, and direct form II: Oppenheim and Schafer,
+ * Discrete-Time Signal Processing, 1989.
+ * ------------------------------------------------------------------------- */
+
+/* The structure and the normalised taps. */
+typedef struct rvxIirTapState {
+    int order;   /* delay elements: N, or twice the number of sections */
+    void *taps;  /* double or ZCplx; b[0..N], a[1..N], or g and a1, a2, b1, b2 each */
+    int iirType; /* as given; nothing depends on it */
+    int mode;    /* 0 direct form (so do 1 and 3), 2 cascade */
+} rvxIirTapState;
+
+/* The past. */
+typedef struct rvxIirDlyState {
+    void *dlyl;   /* double or ZCplx, order of them; a section's newer one first */
+    int initMark; /* RVX_IIR_INIT_MARK in a live record */
+} rvxIirDlyState;
+
+/* A filter. Must not hold RVX_IIR_INIT_MARK in dlySt.initMark by chance when it is
+ * first handed in. Read its fields if you like, but write none. */
+typedef struct rvxIirState {
+    rvxIirTapState tapSt;
+    rvxIirDlyState dlySt;
+} rvxIirState;
+
+enum { RVX_IIR_INIT_MARK = 31725 };
+
+/* A filter in direct form, its past all zeros.
+ *   iirType   0 or 1, which behave alike
+ *   tapVals   2 order + 2 taps, b[0] to b[order], then a[0] to a[order]; copied
+ *   order     0 or more
+ *   statePtr  not live: free a live one first
+ * Checks: statePtr null; tapVals null; order below 0; iirType; record live; no
+ * memory. Then a[0] zero or NaN (complex: both parts so), reported by the low level
+ * and passed on as RVX_STATUS_BACKTRACE, as is any status from before the call; the
+ * record is not live then. */
+RVX_API void rvxdIirInit(int iirType, const double *tapVals, int order, rvxIirState *statePtr);
+RVX_API void rvxzIirInit(int iirType, const ZCplx *tapVals, int order, rvxIirState *statePtr);
+RVX_API void rvxdzIirInit(int iirType, const ZCplx *tapVals, int order, rvxIirState *statePtr);
+RVX_API void rvxzdIirInit(int iirType, const double *tapVals, int order, rvxIirState *statePtr);
+
+/* A cascade of numQuads sections, its past all zeros.
+ *   tapVals   6 numQuads taps, b0, b1, b2, a0, a1, a2 of each section; copied
+ *   numQuads  1 or more
+ * The rest as above. A section with b0 = 0 cannot be expressed: give such a filter
+ * in direct form.
+ * Checks: statePtr null; tapVals null; numQuads below 1; iirType; record live; no
+ * memory. Then b0 or a0 of a section zero or NaN, as above. */
+RVX_API void rvxdIirInitBq(int iirType, const double *tapVals, int numQuads, rvxIirState *statePtr);
+RVX_API void rvxzIirInitBq(int iirType, const ZCplx *tapVals, int numQuads, rvxIirState *statePtr);
+RVX_API void rvxdzIirInitBq(int iirType, const ZCplx *tapVals, int numQuads, rvxIirState *statePtr);
+RVX_API void rvxzdIirInitBq(int iirType, const double *tapVals, int numQuads,
+                            rvxIirState *statePtr);
+
+/* The filter's next value.
+ * Checks: statePtr null; record not live; the result is then zero. */
+RVX_API double rvxdIir(rvxIirState *statePtr, double sample);
+RVX_API ZCplx rvxzIir(rvxIirState *statePtr, ZCplx sample);
+RVX_API ZCplx rvxdzIir(rvxIirState *statePtr, double sample);
+RVX_API ZCplx rvxzdIir(rvxIirState *statePtr, ZCplx sample);
+
+/* The filter's next values: numIters samples from inSamps to outSamps, which may be
+ * the same array where the types are the same. Blocks that overlap in any other way
+ * are not supported.
+ * A numIters of 0 does nothing in direct form of order 0 and 1, and processes one
+ * sample in every other filter.
+ * Checks: statePtr null; record not live. Then, one by one, all reported: inSamps
+ * null, outSamps null; and if these hold numIters below 0; by the low level, then
+ * passed on as RVX_STATUS_BACKTRACE, as is any status from before the call. */
+RVX_API void rvxdbIir(rvxIirState *statePtr, const double *inSamps, double *outSamps, int numIters);
+RVX_API void rvxzbIir(rvxIirState *statePtr, const ZCplx *inSamps, ZCplx *outSamps, int numIters);
+RVX_API void rvxdzbIir(rvxIirState *statePtr, const double *inSamps, ZCplx *outSamps, int numIters);
+RVX_API void rvxzdbIir(rvxIirState *statePtr, const ZCplx *inSamps, ZCplx *outSamps, int numIters);
+
+/* Releases what the filter owns. A freed record may be initialised again.
+ * Checks: statePtr null; record not live. */
+RVX_API void rvxIirFree(rvxIirState *statePtr);
+
+/* ---------------------------------------------------------------------------
  * Adaptive filters
  *
  * Least mean squares with leakage: a filter of tapsLen taps which the caller's

@@ -252,6 +252,18 @@ RVX_INLINE Lanes oneWhereAbove(Lanes x, Lanes m)
     return {(RvxVector)((x.v > m.v) & (RvxBits)one)};
 }
 
+// (a3, b0, b1, b2) and (a2, a3, b0, b1): one real or complex value handed on from a
+// to b
+RVX_INLINE Lanes lastLaneThen(Lanes a, Lanes b)
+{
+    return {__builtin_shufflevector(a.v, b.v, 3, 4, 5, 6)};
+}
+
+RVX_INLINE Lanes lastHalfThen(Lanes a, Lanes b)
+{
+    return {__builtin_shufflevector(a.v, b.v, 2, 3, 4, 5)};
+}
+
 // One truth per lane.
 struct LaneMask {
     RvxBits b;
@@ -260,6 +272,11 @@ struct LaneMask {
 RVX_INLINE LaneMask operator|(LaneMask a, LaneMask b)
 {
     return {a.b | b.b};
+}
+
+RVX_INLINE LaneMask operator&(LaneMask a, LaneMask b)
+{
+    return {a.b & b.b};
 }
 
 RVX_INLINE LaneMask isEqual(Lanes a, Lanes b)
