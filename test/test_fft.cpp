@@ -208,7 +208,7 @@ TEST(Fft, ForwardAndInverseUndoEachOther)
     }
 }
 
-TEST(Fft, TheScaleIsAppliedAfterAllAdditions)
+TEST(Fft, TheInverseIsTheUnscaledOneTimesOneOverN)
 {
     for (int order = 1; order <= 13; ++order)
         for (int field : {0, 64, 128}) {
