@@ -18,4 +18,12 @@ ZCplx *rvxAllocZCplx(std::uint32_t n);
 // Releases a buffer of the above; null does nothing.
 void rvxFreeAligned(void *buffer);
 
+// Releases the buffer of a slot and empties the slot.
+template <typename Entry>
+inline void rvxDropBuffer(Entry *&slot)
+{
+    rvxFreeAligned(slot);
+    slot = nullptr;
+}
+
 #endif

@@ -112,12 +112,6 @@ RVX_INLINE Lanes highHalves(Lanes a, Lanes b)
     return {__builtin_shufflevector(a.v, b.v, 2, 3, 6, 7)};
 }
 
-// Each half stays in its place.
-RVX_INLINE Lanes lowAndHigh(Lanes low, Lanes high)
-{
-    return {__builtin_shufflevector(low.v, high.v, 0, 1, 6, 7)};
-}
-
 RVX_INLINE Lanes swapMiddle(Lanes a)
 {
     return {__builtin_shufflevector(a.v, a.v, 0, 2, 1, 3)};
@@ -209,7 +203,7 @@ struct Interleaved {
             Lanes pairs[2];
             for (int g = 0; g < 4; g += 2) {
                 const double *low = p + 2 * (start + g * groupLen + e);
-                pairs[g / 2] = lowAndHigh(loadOnce(low), loadOnce(low + 2 * groupLen - 2));
+                pairs[g / 2] = outerHalves(loadOnce(low), loadOnce(low + 2 * groupLen - 2));
             }
             const Quad a{evenLanes(pairs[0], pairs[1]), oddLanes(pairs[0], pairs[1])};
             x[place[e]] = inverse ? Quad{a.im, a.re} : a;

@@ -30,7 +30,7 @@ RVX_INLINE Parts<double> partsOf(ZCplx z)
 }
 
 // Four values. The lanes hold them in the order 0, 2, 1, 3, which costs one
-// shuffle less per part than their own; first and second turn it back.
+// shuffle less per part than their own; firstTwo and lastTwo turn it back.
 RVX_INLINE Parts<Lanes> splitParts(Lanes z01, Lanes z23)
 {
     return {evenLanes(z01, z23), oddLanes(z01, z23)};

@@ -60,13 +60,6 @@ void reverseByCounter(ZCplx *vec, int order)
     }
 }
 
-template <typename Entry>
-void dropTable(Entry *&slot)
-{
-    rvxFreeAligned(slot);
-    slot = nullptr;
-}
-
 } // namespace
 
 void rvxCalcBitRevTbl(std::uint32_t *tbl, int order)
@@ -130,16 +123,16 @@ void rvxFreeBitRevSwapTbl(int order)
 {
     if (order < 0 || order > 31)
         return;
-    dropTable(rvxGetThreadContext()->shortBitRevTable[order]);
+    rvxDropBuffer(rvxGetThreadContext()->shortBitRevTable[order]);
 }
 
 void rvxFreeBitRevTables()
 {
     rvxThreadContext *context = rvxGetThreadContext();
     for (int order = 0; order < RVX_ORDERS; ++order)
-        dropTable(context->bitRevTable[order]);
+        rvxDropBuffer(context->bitRevTable[order]);
     for (int order = 0; order < RVX_ORDERS; ++order)
-        dropTable(context->shortBitRevTable[order]);
+        rvxDropBuffer(context->shortBitRevTable[order]);
 }
 
 void rvxzbBitRev1(ZCplx *vec, int order)

@@ -226,17 +226,10 @@ const ZCplx *getKernelTable(const TableKind &kind, int order)
     return getTable(kind, RVX_KERNEL_ORDER) != nullptr ? rvxGetFftTwdLarge(order) : nullptr;
 }
 
-template <typename Entry>
-void dropTable(Entry *&slot)
-{
-    rvxFreeAligned(slot);
-    slot = nullptr;
-}
-
 void freeTable(const TableKind &kind, int order)
 {
     if (orderInRange(order))
-        dropTable((rvxGetThreadContext()->*kind.slots)[order]);
+        rvxDropBuffer((rvxGetThreadContext()->*kind.slots)[order]);
 }
 
 void freeKernelTable(const TableKind &kind, int order)
@@ -305,7 +298,7 @@ void rvxFreeSmallTable(int i)
     if (i < 0 || i >= RVX_SMALL_TABLES)
         return;
     rvxThreadContext *context = rvxGetThreadContext();
-    dropTable(context->smallTable[i]);
+    rvxDropBuffer(context->smallTable[i]);
     context->smallTableKey[i] = 0;
 }
 
@@ -322,12 +315,12 @@ void rvxFreeTwdTables()
 {
     rvxThreadContext *context = rvxGetThreadContext();
     for (int i = 0; i < context->sizedTableCount; ++i) {
-        dropTable(context->sizedTable[i]);
+        rvxDropBuffer(context->sizedTable[i]);
         context->sizedTableKey[i] = 0;
     }
     context->sizedTableCount = 0;
     for (int order = 0; order < RVX_ORDERS; ++order)
-        dropTable(context->twdTable[order]);
+        rvxDropBuffer(context->twdTable[order]);
     rvxFreeFftTables();
     // The last small table is deliberately not visited.
     for (int i = 0; i < RVX_SMALL_TABLES - 1; ++i)
