@@ -290,9 +290,9 @@ enum {
  * returns, before any check; RVX_FFT_INIT_TABLES builds them, after the checks of
  * the order, and looks at nothing else: the data pointers of both may be null.
  * Releasing an order above 9 releases the tables of order 9 too, which all larger
- * ones rest on. Tables are otherwise built by a thread's
- * first transform of an order and kept. RVX_FFT_OUT_BIT_REV alone selects one
- * form of tables, everything else the other.
+ * ones rest on. Tables are otherwise built by a thread's first transform of an
+ * order and kept. RVX_FFT_OUT_BIT_REV alone selects one form of tables, everything
+ * else the other.
  *
  * Checks: order below 0; above 31; no memory for the tables, "No working Twd
  * memory"; null pointers in the order of the arguments; both directions; none;
@@ -635,8 +635,9 @@ RVX_API void rvxdbMedianFilter2(const double *in, double *out, int len, int mask
  * w(n-1-k) = w(k); the middle element of an odd n has weight 1 and is not
  * touched. In the formulas x = 2 pi k / (n - 1). A block of ones becomes the
  * window itself; the first n weights of length n + 1 are the periodic window of
- * length n. The complex forms scale both parts. For n = 3 the weights of the ends that are 0 are
- * not multiplied: the two elements are set to 0, infinities and NaNs included.
+ * length n. The complex forms scale both parts. For n = 3 the weights of the ends
+ * that are 0 are not multiplied: the two elements are set to 0, infinities and NaNs
+ * included.
  *
  * The weights come from a recurrence with one cosine per call (Goertzel 1958).
  * Against the formulas their absolute error grows with n, and is for a Hann
