@@ -5,7 +5,6 @@
 
 #include "transform/rvxfftd_engines.h"
 #include "transform/rvxfftd_passes.h"
-#include "transform/rvxtwd.h"
 
 namespace {
 
@@ -99,9 +98,7 @@ void rvxFftDifScaled(ZCplx *data, int N, int direction, const ZCplx *twiddles, d
                                             rvxDifFactors(twiddles, order), scale);
         return;
     }
-    const ZCplx *kernelTable = rvxGetFftTwdDif(RVX_KERNEL_ORDER);
-    rvxSplitBlocks(Runs{p, inverse, rvxDifFactors(kernelTable, RVX_KERNEL_ORDER), scale}, N,
-                   twiddles);
+    rvxSplitBlocks(Runs{p, inverse, rvxDifBlockFactors(), scale}, N, twiddles);
 }
 
 void rvxFftDif(ZCplx *data, int N, int direction, const ZCplx *twiddles)

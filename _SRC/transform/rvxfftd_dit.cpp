@@ -11,7 +11,6 @@
 
 #include "transform/rvxfftd_engines.h"
 #include "transform/rvxfftd_passes.h"
-#include "transform/rvxtwd.h"
 
 namespace {
 
@@ -180,11 +179,6 @@ struct Runs {
     }
 };
 
-const double *kernelFactors()
-{
-    return rvxDitFactors(rvxGetFftTwdDit(RVX_KERNEL_ORDER), RVX_KERNEL_ORDER);
-}
-
 } // namespace
 
 void rvxFftDitScaled(ZCplx *data, int N, int direction, const ZCplx *twiddles, double scale)
@@ -200,7 +194,7 @@ void rvxFftDitScaled(ZCplx *data, int N, int direction, const ZCplx *twiddles, d
         (inverse ? ditInverse : ditForward)(p, N, rvxFirstRadix(order),
                                             rvxDitFactors(twiddles, order), scale);
     else
-        rvxMergeBlocks(Runs{p, inverse, false, kernelFactors(), scale}, N, twiddles);
+        rvxMergeBlocks(Runs{p, inverse, false, rvxDitBlockFactors(), scale}, N, twiddles);
 }
 
 void rvxFftDit(ZCplx *data, int N, int direction, const ZCplx *twiddles)
@@ -228,5 +222,5 @@ void rvxFftNatural(const ZCplx *src, ZCplx *dst, int N, int direction, const ZCp
         (inverse ? ditColumnsInPlaceInverse : ditColumnsInPlaceForward)(to, N);
     else
         (inverse ? ditColumnsInverse : ditColumnsForward)(from, to, N);
-    rvxMergeBlocks(Runs{to, inverse, true, kernelFactors(), scale}, N, twiddles);
+    rvxMergeBlocks(Runs{to, inverse, true, rvxDitBlockFactors(), scale}, N, twiddles);
 }

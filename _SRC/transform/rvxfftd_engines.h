@@ -6,10 +6,23 @@
 #include "transform/rvxfftd.h"
 #include "transform/rvxfftd_plan.h"
 #include "transform/rvxfftd_short.h"
+#include "transform/rvxtwd.h"
 
 inline int rvxOrderOf(int N)
 {
     return __builtin_ctz(static_cast<unsigned>(N));
+}
+
+// The factors of the blocks of longer transforms, which are cached with the large
+// table.
+inline const double *rvxDitBlockFactors()
+{
+    return rvxDitFactors(rvxGetFftTwdDit(RVX_KERNEL_ORDER), RVX_KERNEL_ORDER);
+}
+
+inline const double *rvxDifBlockFactors()
+{
+    return rvxDifFactors(rvxGetFftTwdDif(RVX_KERNEL_ORDER), RVX_KERNEL_ORDER);
 }
 
 // Joins kernels of 512 points, finished one after the other, as soon as all that a

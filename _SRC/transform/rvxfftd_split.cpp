@@ -4,7 +4,6 @@
 
 #include "transform/rvxfftd_engines.h"
 #include "transform/rvxfftd_passes.h"
-#include "transform/rvxtwd.h"
 
 namespace {
 
@@ -107,11 +106,6 @@ struct DifRuns {
     void block(int start) const { splitDifBlock(re + start, im + start, kernelFactors, scale); }
 };
 
-const double *ditKernelFactors()
-{
-    return rvxDitFactors(rvxGetFftTwdDit(RVX_KERNEL_ORDER), RVX_KERNEL_ORDER);
-}
-
 } // namespace
 
 void rvxrFftDitScaled(double *re, double *im, int N, int direction, const ZCplx *twiddles,
@@ -127,7 +121,7 @@ void rvxrFftDitScaled(double *re, double *im, int N, int direction, const ZCplx 
     else if (N <= RVX_KERNEL_LEN)
         splitDit(re, im, N, rvxFirstRadix(order), rvxDitFactors(twiddles, order), scale);
     else
-        rvxMergeBlocks(DitRuns{re, im, false, ditKernelFactors(), scale}, N, twiddles);
+        rvxMergeBlocks(DitRuns{re, im, false, rvxDitBlockFactors(), scale}, N, twiddles);
 }
 
 void rvxrFftDit(double *re, double *im, int N, int direction, const ZCplx *twiddles)
@@ -150,7 +144,7 @@ void rvxrFftNatural(const double *reSrc, const double *imSrc, double *reDst, dou
                      rvxDitFactors(twiddles, order), scale);
     } else {
         splitColumns(reSrc, imSrc, reDst, imDst, N);
-        rvxMergeBlocks(DitRuns{reDst, imDst, true, ditKernelFactors(), scale}, N, twiddles);
+        rvxMergeBlocks(DitRuns{reDst, imDst, true, rvxDitBlockFactors(), scale}, N, twiddles);
     }
 }
 
@@ -162,15 +156,12 @@ void rvxrFftDifScaled(double *re, double *im, int N, int direction, const ZCplx 
         std::swap(re, im);
     if (N == 1)
         return;
-    if (N <= 8) {
+    if (N <= 8)
         rvxrFftShort(re, im, re, im, N, false, true, scale);
-    } else if (N <= RVX_KERNEL_LEN) {
+    else if (N <= RVX_KERNEL_LEN)
         splitDif(re, im, N, rvxFirstRadix(order), rvxDifFactors(twiddles, order), scale);
-    } else {
-        const ZCplx *kernelTable = rvxGetFftTwdDif(RVX_KERNEL_ORDER);
-        rvxSplitBlocks(DifRuns{re, im, rvxDifFactors(kernelTable, RVX_KERNEL_ORDER), scale}, N,
-                       twiddles);
-    }
+    else
+        rvxSplitBlocks(DifRuns{re, im, rvxDifBlockFactors(), scale}, N, twiddles);
 }
 
 void rvxrFftDif(double *re, double *im, int N, int direction, const ZCplx *twiddles)
