@@ -77,6 +77,12 @@ std::string size(int order)
     return "order " + std::to_string(order);
 }
 
+// Short and long transforms have limits, and bars, of their own.
+std::string task(const std::string &what, int order)
+{
+    return order < 6 ? "short " + what : order < 19 ? what : "long " + what;
+}
+
 void compareNotInPlace(int order)
 {
     const int n = 1 << order;
@@ -93,7 +99,7 @@ void compareNotInPlace(int order)
                               fftw_execute(peer.get());
                           }});
 #endif
-    compare("complex FFT, not in place", size(order), contenders);
+    compare(task("complex FFT, not in place", order), size(order), contenders);
 }
 
 void compareInPlace(int order)
@@ -110,7 +116,7 @@ void compareInPlace(int order)
                               fftw_execute(peer.get());
                           }});
 #endif
-    compare("complex FFT, in place", size(order), contenders);
+    compare(task("complex FFT, in place", order), size(order), contenders);
 }
 
 // There and back on one array; the other library may have a second one.
@@ -175,11 +181,18 @@ void compareSplit(int order)
 void registerComparisons()
 {
     rvxSetErrMode(1);
+    const char *calls =
+        "the checks, the look-up of the tables and the choice of a path, 120 to 145 "
+        "instructions in front of 43 for 4 points and 156 for 16";
+    limit("short complex FFT, not in place", 1.5, calls);
+    limit("short complex FFT, in place", 1.5, calls);
     limit("complex FFT, not in place", 1.0,
-          "at orders 2 to 5 the checks, the look-up of the tables and the choice of a path, 120 to "
-          "145 instructions in front of 43 for 4 points and 156 for 16; up to order 9 the two "
-          "addition pipes, which shuffles share; above, memory");
+          "up to order 9 the two addition pipes, which shuffles share; above, the second cache");
     limit("complex FFT, in place", 1.15, "as not in place; the reversal rides on the first pass");
+    const char *sweeps = "memory: a sweep for the first pass, one for the stretches of 8192 points "
+                         "and one for every two or three radix-2 passes beyond them";
+    limit("long complex FFT, not in place", 1.0, sweeps);
+    limit("long complex FFT, in place", 1.0, sweeps);
     limit("complex FFT to bit-reversed order and back", 0.85,
           "up to order 10 the shuffles that put four neighbours into lanes");
     limit("complex FFT, split", 1.0, "as interleaved");
