@@ -264,6 +264,21 @@ TEST(DotProduct, OfZerosIsPlusZero)
     }
 }
 
+// What is left after the terms cancel is too small for a double, and negative.
+TEST(DotProduct, ThatVanishesByRoundingKeepsItsSignAtEveryLength)
+{
+    for (int n : {3, 8, 127, 128, 500}) {
+        std::vector<double> a(static_cast<std::size_t>(n), 0.0), b = a;
+        a[0] = b[0] = b[1] = 0x1p-545;
+        a[1] = -a[0];
+        b[2] = 0x1p-600;
+        for (double sign : {1.0, -1.0}) {
+            a[2] = sign * 0x1p-600;
+            EXPECT_EQ(bitsOf(rvxdDotProd(a.data(), b.data(), n)), bitsOf(sign * 0.0)) << n;
+        }
+    }
+}
+
 TEST(DotProduct, OfRealSignalsInComplexFormHasImaginaryPartPlusZero)
 {
     const auto x = makeBlock(Temper::positive, 500, 1), y = makeBlock(Temper::positive, 500, 2);

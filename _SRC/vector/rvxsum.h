@@ -381,8 +381,11 @@ struct ExtendedSum {
 inline bool roundedSum(const ExtendedSum &sum, int roundings, double *result)
 {
     const Extended bound = static_cast<Extended>(roundings) * 0x1p-64L * sum.magnitudes;
-    *result = static_cast<double>(sum.sum + bound);
-    return *result == static_cast<double>(sum.sum - bound);
+    // The sum itself, not an end of the range: where both ends round to zero, they may
+    // differ in its sign.
+    *result = static_cast<double>(sum.sum);
+    return *result == static_cast<double>(sum.sum + bound) &&
+           *result == static_cast<double>(sum.sum - bound);
 }
 
 // ---------------------------------------------------------------------------
