@@ -182,11 +182,14 @@ RVX_INLINE void findExtreme(const double *vec, int n, Extreme *found)
     const Lanes none = allLanes(sign * -__builtin_inf());
     Lanes best[4] = {none, none, none, none};
     Lanes words[2] = {allLanes(0.0), allLanes(0.0)};
-    // A load that crosses cache lines counts twice, and loads are the limit.
+    // A load that crosses cache lines counts twice, and loads are the limit. The steps
+    // are counted beforehand: from an address that is no multiple of 8 none leads there.
     int i = 0;
-    if (n >= 256)
-        for (; reinterpret_cast<std::uintptr_t>(vec + i) % sizeof(RvxVector) != 0; ++i)
+    if (n >= 256) {
+        const auto behind = reinterpret_cast<std::uintptr_t>(vec) / sizeof(double) % 4;
+        for (const int steps = static_cast<int>((4 - behind) % 4); i < steps; ++i)
             takeFurther<sign, notice>(best[0], words[0], allLanes(vec[i]));
+    }
     for (; i < n - 15; i += 16)
         for (int j = 0; j < 4; ++j)
             takeFurther<sign, notice>(best[j], words[j % 2], loadLanesOnce(vec + i + 4 * j));
