@@ -29,6 +29,11 @@ void describe()
 #else
     benchmark::AddCustomContext("peer|Eigen", "");
 #endif
+#ifdef RVX_HAVE_GSL
+    benchmark::AddCustomContext("peer|GSL", RVX_HAVE_GSL);
+#else
+    benchmark::AddCustomContext("peer|GSL", "");
+#endif
 }
 
 } // namespace
