@@ -22,7 +22,7 @@ RVX_MODULE("rvxmed")
 
 namespace {
 
-constexpr std::ptrdiff_t RVX_MEDIAN_IN_LANES = 151; // the widest mask of this kind
+constexpr std::ptrdiff_t RVX_MEDIAN_IN_LANES = 501; // the widest mask of this kind
 constexpr std::ptrdiff_t RVX_MEDIAN_CHUNK = 4096;   // outputs per filling of the line
 
 // x[i], where the ends go on beyond the edges.
@@ -52,22 +52,22 @@ RVX_INLINE Lanes networkMedians(const double *x)
     return middle(a, b, loadLanes(x));
 }
 
-// x[0] to x[n - 1] become their medians; mask / 2 samples stand on either side, and
-// n is 4 at least. A vector leaves after the next one has been read; the last four
-// are made first, for their samples will be overwritten.
+// The medians of n places from x[0] on go to y, which may be x; mask / 2 samples
+// stand on either side, and n is 4 at least. A vector leaves after the next one has
+// been read; the last four are made first, for their samples may be overwritten.
 template <int mask>
-RVX_INLINE void filterByNetwork(double *x, std::ptrdiff_t n)
+RVX_INLINE void filterByNetwork(const double *x, double *y, std::ptrdiff_t n)
 {
     const Lanes last = networkMedians<mask>(x + n - 4);
     Lanes now = networkMedians<mask>(x);
     std::ptrdiff_t i = 4;
     for (; i < n - 4; i += 4) {
         const Lanes next = networkMedians<mask>(x + i);
-        storeLanes(x + i - 4, now);
+        storeLanes(y + i - 4, now);
         now = next;
     }
-    storeLanes(x + i - 4, now);
-    storeLanes(x + n - 4, last);
+    storeLanes(y + i - 4, now);
+    storeLanes(y + n - 4, last);
 }
 
 // The median about any x[i] of len samples.
@@ -80,34 +80,57 @@ RVX_INLINE double networkMedian(const double *x, std::ptrdiff_t len, std::ptrdif
     return firstLane(networkMedians<mask>(around + mask / 2));
 }
 
-// x[1] to x[len - 2] become their medians.
+// y[0] to y[len - 1] become the filtered x; y is x, or does not overlap it.
 template <int mask>
-RVX_INLINE void filterNarrow(double *x, std::ptrdiff_t len)
+RVX_INLINE void filterNarrow(const double *x, double *y, std::ptrdiff_t len)
 {
     const std::ptrdiff_t inner = len - (mask - 1); // outputs whose window has no edge in it
+    y[0] = x[0];
+    y[len - 1] = x[len - 1];
     if (inner < 4) {
         double medians[mask];
         for (std::ptrdiff_t i = 1; i < len - 1; ++i)
             medians[i - 1] = networkMedian<mask>(x, len, i);
         for (std::ptrdiff_t i = 1; i < len - 1; ++i)
-            x[i] = medians[i - 1];
+            y[i] = medians[i - 1];
         return;
     }
     const double first = networkMedian<mask>(x, len, 1);
     const double last = networkMedian<mask>(x, len, len - 2);
-    filterByNetwork<mask>(x + mask / 2, inner);
-    x[1] = first;
-    x[len - 2] = last;
+    filterByNetwork<mask>(x + mask / 2, y + mask / 2, inner);
+    y[1] = first;
+    y[len - 2] = last;
 }
 
-RVX_KERNEL void medianOfThree(double *x, int len)
+RVX_KERNEL void medianOfThree(const double *x, double *y, int len)
 {
-    filterNarrow<3>(x, len);
+    filterNarrow<3>(x, y, len);
 }
 
-RVX_KERNEL void medianOfFive(double *x, int len)
+RVX_KERNEL void medianOfFive(const double *x, double *y, int len)
 {
-    filterNarrow<5>(x, len);
+    filterNarrow<5>(x, y, len);
+}
+
+bool isNarrow(int len, int masksize)
+{
+    return len >= 3 && masksize >= 3 && masksize < 7;
+}
+
+void medianNarrow(const double *x, double *y, int len, int masksize)
+{
+    if (masksize < 5)
+        medianOfThree(x, y, len);
+    else
+        medianOfFive(x, y, len);
+}
+
+bool areApart(const double *x, const double *y, int len)
+{
+    const auto from = reinterpret_cast<std::uintptr_t>(x);
+    const auto to = reinterpret_cast<std::uintptr_t>(y);
+    const std::uintptr_t bytes = static_cast<std::uintptr_t>(len) * sizeof(double);
+    return from + bytes <= to || to + bytes <= from;
 }
 
 // ---------------------------------------------------------------------------
@@ -121,6 +144,46 @@ struct Windows {
     std::ptrdiff_t mask;
     double *sorted;
 };
+
+// The three samples from each of four places on, sorted.
+struct Triples {
+    Lanes low, mid, high;
+};
+
+RVX_INLINE Triples sortedTriples(const double *x)
+{
+    const Lanes a = loadLanes(x), b = loadLanes(x + 1), c = loadLanes(x + 2);
+    const Lanes small = minLanes(a, b), large = maxLanes(a, b);
+    const Lanes below = minLanes(large, c);
+    return {minLanes(small, below), maxLanes(small, below), maxLanes(large, c)};
+}
+
+// The middle of the largest low, the middle mid and the smallest high of three
+// sorted triples.
+RVX_INLINE Lanes middleOfNine(const Triples &a, const Triples &b, const Triples &c)
+{
+    return middle(maxLanes(maxLanes(a.low, b.low), c.low), middle(a.mid, b.mid, c.mid),
+                  minLanes(minLanes(a.high, b.high), c.high));
+}
+
+// Four outputs at a time but three places on each time, so that two of the three
+// triples are those of the two times before.
+RVX_KERNEL void medianOfNine(const Windows &windows, double *out)
+{
+    const double *line = windows.line;
+    const std::ptrdiff_t n = windows.n;
+    Triples a = sortedTriples(line), b = sortedTriples(line + 3);
+    std::ptrdiff_t i = 0;
+    for (; i <= n - 4; i += 3) {
+        const Triples c = sortedTriples(line + i + 6);
+        storeLanes(out + i, middleOfNine(a, b, c));
+        a = b;
+        b = c;
+    }
+    line += n - 4;
+    storeLanes(out + n - 4,
+               middleOfNine(sortedTriples(line), sortedTriples(line + 3), sortedTriples(line + 6)));
+}
 
 // One step of four sorted windows: `old` leaves, `fresh` comes in. Behind the
 // window stands infinity.
@@ -179,12 +242,13 @@ RVX_KERNEL void medianInLanes(const Windows &windows, double *out)
     }
 }
 
-// How many of n ascending values lie below x.
+// How many of n ascending values lie below x. Without branches, which would be
+// mispredicted every other time.
 std::ptrdiff_t countBelow(const double *sorted, std::ptrdiff_t n, double x)
 {
     const double *from = sorted;
     for (; n > 1; n -= n / 2)
-        from = from[n / 2 - 1] < x ? from + n / 2 : from;
+        from += (n / 2) & -static_cast<std::ptrdiff_t>(from[n / 2 - 1] < x);
     return from - sorted + (*from < x ? 1 : 0);
 }
 
@@ -230,10 +294,14 @@ void filterWide(double *x, std::ptrdiff_t len, std::ptrdiff_t mask, std::ptrdiff
         line[k] = atOrEnd(x, len, 1 - half + k);
     for (std::ptrdiff_t i = 1; i < len - 1; i += chunk) {
         const std::ptrdiff_t n = std::min(chunk, len - 1 - i);
-        for (std::ptrdiff_t k = 0; k < n; ++k)
-            line[mask - 1 + k] = atOrEnd(x, len, i + half + k);
+        const std::ptrdiff_t there = std::clamp<std::ptrdiff_t>(len - (i + half), 0, n);
+        if (there > 0)
+            std::copy(x + i + half, x + i + half + there, line + mask - 1);
+        std::fill(line + mask - 1 + there, line + mask - 1 + n, x[len - 1]);
         const Windows windows = {line, n, mask, sorted};
-        if (mask <= RVX_MEDIAN_IN_LANES)
+        if (mask == 9 && n >= 4)
+            medianOfNine(windows, x + i);
+        else if (mask <= RVX_MEDIAN_IN_LANES)
             medianInLanes(windows, x + i);
         else
             medianByMoves(windows, x + i);
@@ -268,13 +336,9 @@ void rvxdbMedianFilter1(double *inout, int len, int masksize)
     RVX_REJECT_IF(len <= 0, "len<=0");
     RVX_REJECT_IF(inout == nullptr, "inout==0");
     RVX_REJECT_IF(masksize <= 0, "masksize<=0");
-    if (len < 3 || masksize < 3)
-        return;
-    if (masksize < 5)
-        medianOfThree(inout, len);
-    else if (masksize < 7)
-        medianOfFive(inout, len);
-    else if (!medianWide(inout, len, masksize))
+    if (isNarrow(len, masksize))
+        medianNarrow(inout, inout, len, masksize);
+    else if (len >= 3 && masksize >= 7 && !medianWide(inout, len, masksize))
         RVX_REPORT(RVX_STATUS_NO_MEMORY, "out of memory");
 }
 
@@ -284,6 +348,10 @@ void rvxdbMedianFilter2(const double *in, double *out, int len, int masksize)
     RVX_REJECT_IF(in == nullptr, "in==0");
     RVX_REJECT_IF(out == nullptr, "out==0");
     RVX_REJECT_IF(masksize <= 0, "masksize<=0");
+    if (isNarrow(len, masksize) && areApart(in, out, len)) {
+        medianNarrow(in, out, len, masksize);
+        return;
+    }
     rvxdbCopy(in, out, len);
     rvxdbMedianFilter1(out, len, masksize);
 }

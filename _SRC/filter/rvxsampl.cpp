@@ -58,28 +58,44 @@ RVX_INLINE void putZeros(Sample *dst, std::ptrdiff_t n)
         dst[i] = Sample{};
 }
 
-// The short factors: samples below k, four at a time, at dst[factor * i]. Gives
-// how many are left.
-RVX_INLINE std::ptrdiff_t putByFours(const double *src, std::ptrdiff_t k, double *dst, int factor)
+// dst[phase] = sample and zeros about it.
+template <typename Sample>
+RVX_INLINE void putBlock(Sample sample, Sample *dst, int factor, int phase)
 {
+    putZeros(dst, factor);
+    dst[phase] = sample;
+}
+
+// The short factors: four samples at a time, whole vectors at multiples of vectors
+// from dst on where that can be. Takes samples below k and gives how many are left.
+RVX_INLINE std::ptrdiff_t putByFours(const double *src, std::ptrdiff_t k, double *dst, int factor,
+                                     int phase)
+{
+    const LaneMask kept = {(RvxBits{0, 1, 2, 3} & (factor - 1)) == RvxBits{} + phase};
     if (factor == 2) {
-        for (; k >= 4; k -= 4) {
+        for (; k % 4 != 0; --k)
+            putBlock(src[k - 1], dst + 2 * (k - 1), factor, phase);
+        for (; k > 0; k -= 4) {
             const Lanes x = loadLanes(src + k - 4);
-            storeLanes(dst + 2 * k - 4, lanesOf(x.v[2], 0.0, x.v[3], 0.0));
-            storeLanes(dst + 2 * k - 8, lanesOf(x.v[0], 0.0, x.v[1], 0.0));
+            storeLanes(dst + 2 * k - 4, onlyWhere(kept, highTwice(x)));
+            storeLanes(dst + 2 * k - 8, onlyWhere(kept, lowTwice(x)));
         }
     } else if (factor == 3) {
+        dst += phase;
         for (; k >= 4; k -= 4) {
             const Lanes x = loadLanes(src + k - 4);
             storeLanes(dst + 3 * k - 4, lanesOf(0.0, x.v[3], 0.0, 0.0));
             storeLanes(dst + 3 * k - 8, lanesOf(0.0, 0.0, x.v[2], 0.0));
             storeLanes(dst + 3 * k - 12, lanesOf(x.v[0], 0.0, 0.0, x.v[1]));
         }
+    } else if (factor == 4) {
+        for (; k > 0; --k)
+            storeLanes(dst + 4 * (k - 1), onlyWhere(kept, allLanes(src[k - 1])));
     }
     return k;
 }
 
-RVX_INLINE std::ptrdiff_t putByFours(const ZCplx *, std::ptrdiff_t k, ZCplx *, int)
+RVX_INLINE std::ptrdiff_t putByFours(const ZCplx *, std::ptrdiff_t k, ZCplx *, int, int)
 {
     return k;
 }
@@ -90,21 +106,14 @@ template <typename Sample>
 RVX_INLINE void spread(const Sample *src, std::ptrdiff_t n, Sample *dst, int factor, int phase)
 {
     // The last sample has fewer than factor places from its own on.
-    const Sample last = src[n - 1];
-    Sample *lastBlock = dst + (n - 1) * factor;
-    putZeros(lastBlock, factor);
-    lastBlock[phase] = last;
-    std::ptrdiff_t k = putByFours(src, n - 1, dst + phase, factor);
+    putBlock(src[n - 1], dst + (n - 1) * factor, factor, phase);
+    std::ptrdiff_t k = putByFours(src, n - 1, dst, factor, phase);
     if (factor >= laneCount(dst)) {
         for (; k > 0; --k)
             putSpaced(src[k - 1], dst + (k - 1) * factor + phase, factor);
     } else {
-        for (; k > 0; --k) {
-            const Sample sample = src[k - 1];
-            Sample *place = dst + (k - 1) * factor + phase;
-            putZeros(place, factor);
-            *place = sample;
-        }
+        for (; k > 0; --k)
+            putBlock(src[k - 1], dst + (k - 1) * factor + phase, factor, 0);
     }
     putZeros(dst, phase);
 }

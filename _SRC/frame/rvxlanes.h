@@ -295,6 +295,12 @@ RVX_INLINE Lanes choose(LaneMask mask, Lanes a, Lanes b)
     return {mask.b ? a.v : b.v};
 }
 
+// a where the mask holds and +0.0 elsewhere
+RVX_INLINE Lanes onlyWhere(LaneMask mask, Lanes a)
+{
+    return {(RvxVector)((RvxBits)a.v & mask.b)};
+}
+
 RVX_INLINE bool anyLane(LaneMask a)
 {
     return ((a.b[0] | a.b[1]) | (a.b[2] | a.b[3])) != 0;
