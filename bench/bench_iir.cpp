@@ -149,6 +149,8 @@ void compareOrder2()
 
 void registerComparisons()
 {
+    limit("direct form, real", 0.9, "a chain of four operations from output to output");
+    limit("cascade, real", 0.85, "a chain of three operations in each section");
     for (int order : {1, 2, 4, 7, 8, 16, 32})
         compareDirect(order);
     compareOrder2();

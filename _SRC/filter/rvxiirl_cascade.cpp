@@ -6,6 +6,8 @@
 // to section off that chain. The order of operations within a section is that of
 // single steps.
 
+#include <type_traits>
+
 #include "filter/rvxiirl_engines.h"
 #include "filter/rvxiirl_steps.h"
 #include "frame/rvxkernel.h"
@@ -13,33 +15,46 @@
 
 namespace {
 
+// Calls body(k) for 0 <= k < count with constants, so that arrays indexed by k are
+// registers. Compilers unroll loops too late for that.
+template <int count, int k = 0, typename Body>
+RVX_INLINE void forEachVector(Body body)
+{
+    if constexpr (k < count) {
+        body(std::integral_constant<int, k>());
+        forEachVector<count, k + 1>(body);
+    }
+}
+
 constexpr int RVX_IIR_SKEW = 2;
 constexpr int RVX_IIR_PIPELINE_LEAST = 8; // samples that pay for filling a pipeline
 
-// One tap of each section in a vector.
+// One tap of each section in a vector, from and to the places of lanes: those of
+// its real part and those of its imaginary part, each once for every part of an
+// element.
 template <typename Tap>
 struct SectionTap;
 
 template <>
 struct SectionTap<double> {
+    static constexpr int kinds = 1;
     Lanes factor;
     RVX_INLINE Lanes times(Lanes x) const { return factor * x; }
-    RVX_INLINE void set(int lane, int parts, double tap)
-    {
-        for (int p = 0; p < parts; ++p)
-            factor.v[lane + p] = tap;
-    }
+    RVX_INLINE void load(const double *re, const double *) { factor = loadLanes(re); }
+    RVX_INLINE static double part(double tap, int) { return tap; }
 };
 
 template <>
 struct SectionTap<ZCplx> {
+    static constexpr int kinds = 2;
     Lanes re, im;
     RVX_INLINE Lanes times(Lanes x) const { return subAdd(re * x, im * swapParts(x)); }
-    RVX_INLINE void set(int lane, int, ZCplx tap)
+    RVX_INLINE void load(const double *reals, const double *imags)
     {
-        re.v[lane] = re.v[lane + 1] = tap.re;
-        im.v[lane] = im.v[lane + 1] = tap.im;
+        re = loadLanes(reals);
+        im = loadLanes(imags);
     }
+    RVX_INLINE static double part(ZCplx tap, int kind) { return kind == 0 ? tap.re : tap.im; }
 };
 
 // How elements lie in lanes: shifted(a, b) is b moved up by an element with a's
@@ -54,7 +69,6 @@ struct ElementLanes<double> {
     RVX_INLINE static Lanes shifted(Lanes a, Lanes b) { return lastLaneThen(a, b); }
     RVX_INLINE static void putLast(double *p, Lanes a) { *p = a.v[3]; }
     RVX_INLINE static double part(double x, int) { return x; }
-    RVX_INLINE static double element(Lanes a, int lane) { return a.v[lane]; }
 };
 
 template <>
@@ -64,7 +78,6 @@ struct ElementLanes<ZCplx> {
     RVX_INLINE static Lanes shifted(Lanes a, Lanes b) { return lastHalfThen(a, b); }
     RVX_INLINE static void putLast(ZCplx *p, Lanes a) { *p = {a.v[2], a.v[3]}; }
     RVX_INLINE static double part(ZCplx x, int p) { return p == 0 ? x.re : x.im; }
-    RVX_INLINE static ZCplx element(Lanes a, int lane) { return {a.v[lane], a.v[lane + 1]}; }
 };
 
 // The sections fill the lanes up to the last one; fewer lanes than a vector has idle
@@ -82,36 +95,45 @@ struct Pipeline {
     LaneMask entry;
     Lanes delay[vectors]; // samples by which each lane is behind the input
 
-    // taps and d are those of the first of the sections; the record is cleared before.
+    // taps and d are those of the first of the sections. All goes by way of memory:
+    // lanes that are indexed by a variable would stay there.
     RVX_INLINE void load(const Tap *taps, int sections, const Element *d)
     {
-        const int idle = room - sections;
-        for (int q = 0; q < sections; ++q) {
-            const int k = (q + idle) / perVector;
-            const int lane = (q + idle) % perVector * parts;
-            const Tap *t = taps + 4 * q;
-            a1[k].set(lane, parts, t[0]);
-            a2[k].set(lane, parts, t[1]);
-            b1[k].set(lane, parts, t[2]);
-            b2[k].set(lane, parts, t[3]);
+        constexpr int lanes = 4 * vectors;
+        double tapRoom[4][2][lanes] = {}, pastRoom[2][lanes] = {}, delayRoom[lanes] = {};
+        for (int q = 0; q < sections; ++q)
             for (int p = 0; p < parts; ++p) {
-                d0[k].v[lane + p] = Form::part(d[2 * q], p);
-                d1[k].v[lane + p] = Form::part(d[2 * q + 1], p);
-                delay[k].v[lane + p] = RVX_IIR_SKEW * q;
+                const int lane = (q + room - sections) * parts + p;
+                for (int i = 0; i < 4; ++i)
+                    for (int kind = 0; kind < SectionTap<Tap>::kinds; ++kind)
+                        tapRoom[i][kind][lane] = SectionTap<Tap>::part(taps[4 * q + i], kind);
+                for (int i = 0; i < 2; ++i)
+                    pastRoom[i][lane] = Form::part(d[2 * q + i], p);
+                delayRoom[lane] = RVX_IIR_SKEW * q;
             }
-        }
+        forEachVector<vectors>([&](auto k) __attribute__((always_inline)) {
+            a1[k].load(tapRoom[0][0] + 4 * k, tapRoom[0][1] + 4 * k);
+            a2[k].load(tapRoom[1][0] + 4 * k, tapRoom[1][1] + 4 * k);
+            b1[k].load(tapRoom[2][0] + 4 * k, tapRoom[2][1] + 4 * k);
+            b2[k].load(tapRoom[3][0] + 4 * k, tapRoom[3][1] + 4 * k);
+            d0[k] = loadLanes(pastRoom[0] + 4 * k);
+            d1[k] = loadLanes(pastRoom[1] + 4 * k);
+            delay[k] = loadLanes(delayRoom + 4 * k);
+            lastOut[k] = olderOut[k] = allLanes(0.0);
+        });
         entry = isEqual(delay[0], allLanes(0.0));
     }
 
     RVX_INLINE void save(int sections, Element *d) const
     {
-        const int idle = room - sections;
-        for (int q = 0; q < sections; ++q) {
-            const int k = (q + idle) / perVector;
-            const int lane = (q + idle) % perVector * parts;
-            d[2 * q] = Form::element(d0[k], lane);
-            d[2 * q + 1] = Form::element(d1[k], lane);
-        }
+        Element pastRoom[2][room];
+        forEachVector<vectors>([&](auto k) __attribute__((always_inline)) {
+            storeLanes(pastRoom[0] + perVector * k, d0[k]);
+            storeLanes(pastRoom[1] + perVector * k, d1[k]);
+        });
+        for (int q = 0; q < sections; ++q)
+            for (int i = 0; i < 2; ++i)
+                d[2 * q + i] = pastRoom[i][q + room - sections];
     }
 
     // Every section takes one sample in. In a partial step only those do whose
@@ -120,8 +142,9 @@ struct Pipeline {
     RVX_INLINE void step(Lanes input, int step, int n)
     {
         Lanes out[vectors];
-        for (int k = 0; k < vectors; ++k) {
-            Lanes v = Form::shifted(k == 0 ? input : olderOut[k == 0 ? 0 : k - 1], olderOut[k]);
+        forEachVector<vectors>([&](auto k) __attribute__((always_inline)) {
+            constexpr int before = k - (k > 0);
+            Lanes v = Form::shifted(k == 0 ? input : olderOut[before], olderOut[k]);
             if (k == 0)
                 v = choose(entry, input, v);
             const Lanes w = (v - a1[k].times(d0[k])) - a2[k].times(d1[k]);
@@ -136,11 +159,11 @@ struct Pipeline {
                 d1[k] = d0[k];
                 d0[k] = w;
             }
-        }
-        for (int k = 0; k < vectors; ++k) {
+        });
+        forEachVector<vectors>([&](auto k) __attribute__((always_inline)) {
             olderOut[k] = lastOut[k];
             lastOut[k] = out[k];
-        }
+        });
     }
 };
 
@@ -152,7 +175,7 @@ RVX_INLINE void runPipeline(const Tap *taps, int sections, Element *d, Source so
     using Form = ElementLanes<Element>;
     const int fill = RVX_IIR_SKEW * (sections - 1);
     const Lanes none = allLanes(0.0);
-    Pipeline<vectors, Tap, Element> line = {};
+    Pipeline<vectors, Tap, Element> line;
     line.load(taps, sections, d);
     int s = 0;
     for (; s < fill; ++s)
