@@ -363,6 +363,125 @@ RVX_API void rvxdCcsFft(double *samps, int order, int flags);
 RVX_API void rvxdCcsFftNip(const double *inSamps, double *outSamps, int order, int flags);
 
 /* ---------------------------------------------------------------------------
+ * FIR filters
+ *
+ * Four families: d real taps and samples, z complex taps and samples, dz complex
+ * taps and real samples, zd real taps and complex samples. Outputs are real in d
+ * and complex in the others.
+ *
+ * Single rate: y[n] = sum of h[j] * x[n - j] over 0 <= j < tapsLen. Multi-rate:
+ * y[m] = sum of h[j] * u[m * downFactor + downPhase - j] over the same j, where
+ * u[t] is x[(t - upPhase) / upFactor] where that division leaves no rest, and
+ * absent elsewhere; what would be thrown away is not computed. x[-1], x[-2] and so
+ * on are the past samples.
+ *
+ * Each sum is taken from +0.0, the oldest sample first, each product rounded and
+ * then added. A product of two complex values is formed first, each part by its
+ * definition, and then added; in dz and zd the real factor multiplies each part by
+ * itself. So a signal that is cut into blocks anywhere, one-sample calls among
+ * them, gives the same bits as one call. An output without taps, which there is
+ * where upFactor is above tapsLen, is +0.0.
+ *
+ * A record is the caller's and serves one filter; what its pointers lead to is the
+ * library's, from an initialiser to rvxFirFree. It may not be moved or copied in
+ * between: it is known as live by holding its own address. Only the functions of
+ * the family that initialised it may be called on it; which one that was is not
+ * checked. A status left from an earlier failure plays no part.
+ * ------------------------------------------------------------------------- */
+
+/* How one of the upFactor outputs of each step of a multi-rate filter is made. */
+typedef struct rvxFirPhaseRow {
+    int phase;     /* its subfilter: h[phase], h[phase + upFactor], ... */
+    int numTaps;   /* taps of that subfilter; may be 0 */
+    int dlyOffset; /* index, from the start of the window, of the sample that meets the
+                      first stored tap in the first step of a block */
+    int tapOffset; /* index in taps of the subfilter's first stored tap */
+} rvxFirPhaseRow;
+
+/* Fields are for reading. */
+typedef struct rvxFirState {
+    int upFactor;               /* 1 or more; 1 in a single-rate filter */
+    int upPhase;                /* 0 to upFactor - 1 */
+    int downFactor;             /* 1 or more; 1 in a single-rate filter */
+    int downPhase;              /* 0 to downFactor - 1 */
+    int isMultiRate;            /* 1 if a factor is above 1, else 0 */
+    struct rvxFirState *self;   /* this record's own address while it is live */
+    int tapsLen;                /* number of taps */
+    int tapsBlockLen;           /* tapsLen rounded down to a multiple of 4 in d, of 2 in
+                                   the other families */
+    void *taps;                 /* double or ZCplx: the taps, reversed; those of a
+                                   multi-rate filter one subfilter behind the other,
+                                   each reversed */
+    int dlylLen;                /* past samples kept: tapsLen - 1, in a multi-rate filter
+                                   (tapsLen + upFactor - 1) / upFactor */
+    int bufLen;                 /* positions over which the window slides */
+    void *dlylBase;             /* double or ZCplx: dlylLen + bufLen samples */
+    void *dlylEnd;              /* dlylBase + bufLen: where the window goes back */
+    void *dlylCur;              /* the window: the past samples, oldest first */
+    rvxFirPhaseRow *phaseTable; /* upFactor rows; null in a single-rate filter */
+} rvxFirState;
+
+/* Make *statePtr a single-rate filter. A live state is released first, whatever
+ * family it had; a refused call leaves it alive, one without memory does not.
+ *   tapVals   tapsLen taps, copied; h[0] meets the newest sample. Null: all zero
+ *   tapsLen   1 or more
+ *   dlyVals   tapsLen - 1 past samples, the oldest first, copied. Null: all zero
+ *   statePtr  a record of any contents
+ * Checks: statePtr null; tapsLen below 1; no memory (RVX_STATUS_NO_MEMORY). */
+RVX_API void rvxdFirInit(const double *tapVals, int tapsLen, const double *dlyVals,
+                         rvxFirState *statePtr);
+RVX_API void rvxzFirInit(const ZCplx *tapVals, int tapsLen, const ZCplx *dlyVals,
+                         rvxFirState *statePtr);
+RVX_API void rvxdzFirInit(const ZCplx *tapVals, int tapsLen, const double *dlyVals,
+                          rvxFirState *statePtr);
+RVX_API void rvxzdFirInit(const double *tapVals, int tapsLen, const ZCplx *dlyVals,
+                          rvxFirState *statePtr);
+
+/* Make *statePtr a multi-rate filter, which raises the rate by upFactor, filters, and
+ * lowers it by downFactor. Factors of 1 give a single-rate filter. As above, and
+ *   dlyVals     past samples at the input's rate: (tapsLen + upFactor - 1) / upFactor of
+ *               them, tapsLen - 1 if both factors are 1
+ *   upFactor    1 or more
+ *   upPhase     0 to upFactor - 1: the raised time of the first sample
+ *   downFactor  1 or more
+ *   downPhase   0 to downFactor - 1: the raised time of the first output
+ * Checks: statePtr null; upFactor below 1; downFactor below 1; upPhase out of range;
+ * downPhase out of range; tapsLen below 1; no memory (RVX_STATUS_NO_MEMORY).
+ * Crochiere and Rabiner, Multirate Digital Signal Processing, 1983. */
+RVX_API void rvxdFirInitMr(const double *tapVals, int tapsLen, const double *dlyVals, int upFactor,
+                           int upPhase, int downFactor, int downPhase, rvxFirState *statePtr);
+RVX_API void rvxzFirInitMr(const ZCplx *tapVals, int tapsLen, const ZCplx *dlyVals, int upFactor,
+                           int upPhase, int downFactor, int downPhase, rvxFirState *statePtr);
+RVX_API void rvxdzFirInitMr(const ZCplx *tapVals, int tapsLen, const double *dlyVals, int upFactor,
+                            int upPhase, int downFactor, int downPhase, rvxFirState *statePtr);
+RVX_API void rvxzdFirInitMr(const double *tapVals, int tapsLen, const ZCplx *dlyVals, int upFactor,
+                            int upPhase, int downFactor, int downPhase, rvxFirState *statePtr);
+
+/* The next output of a single-rate filter, for the next sample. On a multi-rate
+ * state results mean nothing: use the block forms.
+ * Checks: statePtr null; *statePtr not initialised; the result is then zero. */
+RVX_API double rvxdFir(rvxFirState *statePtr, double sample);
+RVX_API ZCplx rvxzFir(rvxFirState *statePtr, ZCplx sample);
+RVX_API ZCplx rvxdzFir(rvxFirState *statePtr, double sample);
+RVX_API ZCplx rvxzdFir(rvxFirState *statePtr, ZCplx sample);
+
+/* The next numIters steps; each reads downFactor samples and writes upFactor outputs.
+ *   inSamps   numIters * downFactor samples, left unchanged
+ *   outSamps  numIters * upFactor outputs; may not overlap inSamps
+ *   numIters  1 or more
+ * Checks: statePtr null; *statePtr not initialised; inSamps null; outSamps null;
+ * numIters below 1. */
+RVX_API void rvxdbFir(rvxFirState *statePtr, const double *inSamps, double *outSamps, int numIters);
+RVX_API void rvxzbFir(rvxFirState *statePtr, const ZCplx *inSamps, ZCplx *outSamps, int numIters);
+RVX_API void rvxdzbFir(rvxFirState *statePtr, const double *inSamps, ZCplx *outSamps, int numIters);
+RVX_API void rvxzdbFir(rvxFirState *statePtr, const ZCplx *inSamps, ZCplx *outSamps, int numIters);
+
+/* Releases what a live state of any family owns. A failed check is reported under
+ * the name "rvxFirrvxFree".
+ * Checks: statePtr null; *statePtr not initialised. */
+RVX_API void rvxFirFree(rvxFirState *statePtr);
+
+/* ---------------------------------------------------------------------------
  * Recursive filters (IIR)
  *
  * A filter of order N in direct form,

@@ -145,7 +145,7 @@ RVX_INLINE void keepEveryOther(const double *src, double *dst, std::ptrdiff_t n)
 {
     std::ptrdiff_t i = 0;
     for (; i < n - 4; i += 4)
-        storeLanes(dst + i, everyOther(loadLanes(src + 2 * i), loadLanes(src + 2 * i + 4)));
+        storeLanes(dst + i, evenElements(loadLanes(src + 2 * i), loadLanes(src + 2 * i + 4)));
     for (; i < n; ++i)
         dst[i] = src[2 * i];
 }

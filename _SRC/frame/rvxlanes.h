@@ -150,6 +150,29 @@ RVX_INLINE Lanes oddLanes(Lanes a, Lanes b)
     return {__builtin_shufflevector(a.v, b.v, 1, 5, 3, 7)};
 }
 
+// (a0, a2, b0, b2) and (a1, a3, b1, b3): real and imaginary parts of four complex
+// values in a row
+RVX_INLINE Lanes evenElements(Lanes a, Lanes b)
+{
+    return {__builtin_shufflevector(a.v, b.v, 0, 2, 4, 6)};
+}
+
+RVX_INLINE Lanes oddElements(Lanes a, Lanes b)
+{
+    return {__builtin_shufflevector(a.v, b.v, 1, 3, 5, 7)};
+}
+
+// (a0, b0, a1, b1) and (a2, b2, a3, b3): the way back
+RVX_INLINE Lanes interleaveLow(Lanes a, Lanes b)
+{
+    return {__builtin_shufflevector(a.v, b.v, 0, 4, 1, 5)};
+}
+
+RVX_INLINE Lanes interleaveHigh(Lanes a, Lanes b)
+{
+    return {__builtin_shufflevector(a.v, b.v, 2, 6, 3, 7)};
+}
+
 // (a0, a1, b2, b3): the first complex value of a and the second of b
 RVX_INLINE Lanes outerHalves(Lanes a, Lanes b)
 {
@@ -160,12 +183,6 @@ RVX_INLINE Lanes outerHalves(Lanes a, Lanes b)
 RVX_INLINE Lanes swapHalves(Lanes a)
 {
     return {__builtin_shufflevector(a.v, a.v, 2, 3, 0, 1)};
-}
-
-// (a0, a2, b0, b2)
-RVX_INLINE Lanes everyOther(Lanes a, Lanes b)
-{
-    return {__builtin_shufflevector(a.v, b.v, 0, 2, 4, 6)};
 }
 
 // (even0, odd1, even2, odd3)

@@ -1,0 +1,439 @@
+// rvxfirh, engine: the sums of all FIR filters.
+//
+// The order inside one sum is fixed, so outputs stand side by side in lanes and
+// every tap is broadcast to them. For that a tile of samples is dealt into planes,
+// one for each part of each sample of a decimation step: there, consecutive steps
+// of a row meet consecutive doubles, whatever the rate and the element type.
+
+#include "filter/rvxfirh_engine.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
+#include "frame/rvxkernel.h"
+#include "frame/rvxlanes.h"
+
+namespace {
+
+// The doubles of a tile's planes, in the first cache beside taps and outputs.
+constexpr int RVX_TILE = 1024;
+// Planes begin at cache lines.
+constexpr int RVX_LINE = 8;
+// The planes once more, half a line further: of a vector that would cross a line
+// in the one set, the other has it inside a line. Crossing costs a second load,
+// and loads are the limit.
+constexpr int RVX_SHIFT = RVX_TILE + RVX_LINE / 2;
+// Outputs of a group in registers, in vectors.
+constexpr int RVX_GROUP = 8;
+
+template <typename Element>
+constexpr int partsOf = sizeof(Element) / sizeof(double);
+
+// A tile: `steps` steps from `src` on, of whose windows it holds the positions from
+// `begin` up to `end`. The sums are continued from `out` unless `begin` is 0.
+template <typename Tap, typename Sample>
+struct FirTile {
+    const RvxFirShape &shape;
+    const Tap *taps;
+    const Sample *src;
+    RvxFirOut<Tap, Sample> *out;
+    int steps;
+    int begin;
+    int end;
+    int stride; // from plane to plane
+};
+
+// The sums of four steps, and the taps that they share.
+struct RealSums {
+    Lanes re;
+};
+
+struct CplxSums {
+    Lanes re, im;
+};
+
+RVX_INLINE RealSums startSums(const double *)
+{
+    return {allLanes(0.0)};
+}
+
+RVX_INLINE CplxSums startSums(const ZCplx *)
+{
+    return {allLanes(0.0), allLanes(0.0)};
+}
+
+RVX_INLINE RealSums broadcast(double tap)
+{
+    return {allLanes(tap)};
+}
+
+RVX_INLINE CplxSums broadcast(ZCplx tap)
+{
+    return {allLanes(tap.re), allLanes(tap.im)};
+}
+
+RVX_INLINE RealSums loadSamples(const double *plane, int, const double *)
+{
+    return {loadLanes(plane)};
+}
+
+RVX_INLINE CplxSums loadSamples(const double *plane, int stride, const ZCplx *)
+{
+    return {loadLanes(plane), loadLanes(plane + stride)};
+}
+
+// sum + tap * sample. A real factor works on each part by itself, so that a NaN or
+// an infinity in one part stays there.
+RVX_INLINE RealSums addProduct(RealSums sum, RealSums tap, RealSums sample)
+{
+    return {sum.re + tap.re * sample.re};
+}
+
+RVX_INLINE CplxSums addProduct(CplxSums sum, CplxSums tap, RealSums sample)
+{
+    return {sum.re + tap.re * sample.re, sum.im + tap.im * sample.re};
+}
+
+RVX_INLINE CplxSums addProduct(CplxSums sum, RealSums tap, CplxSums sample)
+{
+    return {sum.re + tap.re * sample.re, sum.im + tap.re * sample.im};
+}
+
+RVX_INLINE CplxSums addProduct(CplxSums sum, CplxSums tap, CplxSums sample)
+{
+    return {sum.re + (tap.re * sample.re - tap.im * sample.im),
+            sum.im + (tap.re * sample.im + tap.im * sample.re)};
+}
+
+RVX_INLINE double addProduct(double sum, double tap, double sample)
+{
+    return sum + tap * sample;
+}
+
+RVX_INLINE ZCplx addProduct(ZCplx sum, ZCplx tap, double sample)
+{
+    return {sum.re + tap.re * sample, sum.im + tap.im * sample};
+}
+
+RVX_INLINE ZCplx addProduct(ZCplx sum, double tap, ZCplx sample)
+{
+    return {sum.re + tap * sample.re, sum.im + tap * sample.im};
+}
+
+RVX_INLINE ZCplx addProduct(ZCplx sum, ZCplx tap, ZCplx sample)
+{
+    return {sum.re + (tap.re * sample.re - tap.im * sample.im),
+            sum.im + (tap.re * sample.im + tap.im * sample.re)};
+}
+
+RVX_INLINE void storeFour(RealSums sums, double *out)
+{
+    storeLanes(out, sums.re);
+}
+
+RVX_INLINE void storeFour(CplxSums sums, ZCplx *out)
+{
+    storeLanes(out, interleaveLow(sums.re, sums.im));
+    storeLanes(out + 2, interleaveHigh(sums.re, sums.im));
+}
+
+RVX_INLINE RealSums loadFour(const double *out)
+{
+    return {loadLanes(out)};
+}
+
+RVX_INLINE CplxSums loadFour(const ZCplx *out)
+{
+    const Lanes low = loadLanes(out), high = loadLanes(out + 2);
+    return {evenElements(low, high), oddElements(low, high)};
+}
+
+// The first `count` of four sums, to or from outputs that stand rowCount apart.
+template <typename Out, typename Sums>
+RVX_INLINE void storeSums(Sums sums, Out *out, int rowCount, int count)
+{
+    if (rowCount == 1 && count >= 4) {
+        storeFour(sums, out);
+        return;
+    }
+    Out four[4];
+    storeFour(sums, four);
+    for (int k = 0; k < std::min(count, 4); ++k)
+        out[std::ptrdiff_t{k} * rowCount] = four[k];
+}
+
+template <typename Out>
+RVX_INLINE auto loadSums(const Out *out, int rowCount, int count)
+{
+    Out four[4] = {};
+    for (int k = 0; k < std::min(count, 4); ++k)
+        four[k] = out[std::ptrdiff_t{k} * rowCount];
+    return loadFour(four);
+}
+
+// Where the sums of a row begin in a tile: its taps there, their number, and the
+// window position of the first, counted from the tile's own.
+template <typename Tap>
+struct RowPart {
+    const Tap *taps;
+    int numTaps;
+    int position;
+};
+
+template <typename Tap, typename Sample>
+RVX_INLINE RowPart<Tap> partOf(const rvxFirPhaseRow &row, const FirTile<Tap, Sample> &tile)
+{
+    const int first = std::max(0, tile.begin - row.dlyOffset);
+    const int past = std::min(row.numTaps, tile.end - row.dlyOffset);
+    return {tile.taps + row.tapOffset + first, past - first, row.dlyOffset + first - tile.begin};
+}
+
+// The outputs of a row for 4 * Vectors steps from step m on, of which up to three
+// may lie behind the tile's last step; rowOut is where those of step 0 belong.
+// Gives the step to go on with.
+template <int Vectors, typename Tap, typename Sample, typename Out>
+RVX_INLINE int sumGroup(const FirTile<Tap, Sample> &tile, const RowPart<Tap> &part,
+                        const double *planes, int m, Out *rowOut)
+{
+    const int rowCount = tile.shape.rowCount, down = tile.shape.downFactor;
+    const int count = tile.steps - m;
+    Out *out = rowOut + std::ptrdiff_t{m} * rowCount;
+    using Sums = decltype(startSums(out));
+    Sums sums[Vectors];
+    for (int k = 0; k < Vectors; ++k)
+        sums[k] = tile.begin == 0
+                      ? startSums(out)
+                      : loadSums(out + std::ptrdiff_t{4 * k} * rowCount, rowCount, count - 4 * k);
+
+    int phase = part.position % down;
+    const int nextPhase = partsOf<Sample> * tile.stride;
+    const int nextStep = 1 - down * nextPhase;
+    const double *at = planes + phase * nextPhase + part.position / down + m;
+    for (int i = 0; i < part.numTaps; ++i) {
+        const auto tap = broadcast(part.taps[i]);
+        const bool late = (reinterpret_cast<std::uintptr_t>(at) & 32) != 0;
+        const double *even = at + (late ? RVX_SHIFT : 0);
+        const double *odd = at + (late ? 0 : RVX_SHIFT);
+        for (int k = 0; k < Vectors; ++k)
+            sums[k] = addProduct(sums[k], tap,
+                                 loadSamples((k % 2 == 0 ? even : odd) + 4 * k, tile.stride,
+                                             static_cast<const Sample *>(nullptr)));
+        at += nextPhase;
+        if (++phase == down) {
+            phase = 0;
+            at += nextStep;
+        }
+    }
+
+    for (int k = 0; k < Vectors; ++k)
+        storeSums(sums[k], out + std::ptrdiff_t{4 * k} * rowCount, rowCount, count - 4 * k);
+    return m + 4 * Vectors;
+}
+
+// planes[(i % period) * stride + i / period] = src[i] for i below n, in both sets,
+// and zeros behind the last, as far as vectors reach.
+RVX_INLINE void dealPlanes(const double *src, int n, int period, double *planes, int stride)
+{
+    const int columns = n / period;
+    int done = 0;
+    if (period == 1) {
+        for (; done + 4 <= columns; done += 4) {
+            const Lanes x = loadLanes(src + done);
+            storeLanes(planes + done, x);
+            storeLanes(planes + done + RVX_SHIFT, x);
+        }
+    } else if (period == 2) {
+        for (; done + 4 <= columns; done += 4) {
+            const Lanes low = loadLanes(src + 2 * done), high = loadLanes(src + 2 * done + 4);
+            const Lanes even = evenElements(low, high), odd = oddElements(low, high);
+            storeLanes(planes + done, even);
+            storeLanes(planes + done + RVX_SHIFT, even);
+            storeLanes(planes + stride + done, odd);
+            storeLanes(planes + stride + done + RVX_SHIFT, odd);
+        }
+    }
+    for (int r = 0; r < period; ++r) {
+        double *plane = planes + r * stride;
+        const int length = columns + (r < n % period ? 1 : 0);
+        for (int q = done; q < length; ++q)
+            plane[q] = plane[q + RVX_SHIFT] = src[q * period + r];
+        for (int q = length; q < columns + 4; ++q)
+            plane[q] = plane[q + RVX_SHIFT] = 0.0;
+    }
+}
+
+template <typename Tap, typename Sample>
+RVX_INLINE void filterTile(const FirTile<Tap, Sample> &tile)
+{
+    alignas(64) double planes[RVX_SHIFT + RVX_TILE];
+    const RvxFirShape &shape = tile.shape;
+    const int samples = (tile.steps - 1) * shape.downFactor + tile.end - tile.begin;
+    // Parts of a complex value are two doubles in a row.
+    dealPlanes(reinterpret_cast<const double *>(tile.src), samples * partsOf<Sample>,
+               shape.downFactor * partsOf<Sample>, planes, tile.stride);
+    constexpr int widest = RVX_GROUP / partsOf<RvxFirOut<Tap, Sample>>;
+    for (int i = 0; i < shape.rowCount; ++i) {
+        const RowPart<Tap> part = partOf(shape.rows[i], tile);
+        if (part.numTaps <= 0 && tile.begin > 0)
+            continue;
+        RvxFirOut<Tap, Sample> *out = tile.out + i;
+        const int vectors = (tile.steps + 3) / 4;
+        int m = 0;
+        for (int k = vectors / widest; k > 0; --k)
+            m = sumGroup<widest>(tile, part, planes, m, out);
+        if (widest > 4 && vectors % 8 >= 4)
+            m = sumGroup<4>(tile, part, planes, m, out);
+        if (vectors % 4 >= 2)
+            m = sumGroup<2>(tile, part, planes, m, out);
+        if (vectors % 2 != 0)
+            sumGroup<1>(tile, part, planes, m, out);
+    }
+}
+
+RVX_KERNEL void firTileReal(const FirTile<double, double> &tile)
+{
+    filterTile(tile);
+}
+
+RVX_KERNEL void firTileCplx(const FirTile<ZCplx, ZCplx> &tile)
+{
+    filterTile(tile);
+}
+
+RVX_KERNEL void firTileRealCplx(const FirTile<ZCplx, double> &tile)
+{
+    filterTile(tile);
+}
+
+RVX_KERNEL void firTileCplxReal(const FirTile<double, ZCplx> &tile)
+{
+    filterTile(tile);
+}
+
+void runTile(const FirTile<double, double> &tile)
+{
+    firTileReal(tile);
+}
+
+void runTile(const FirTile<ZCplx, ZCplx> &tile)
+{
+    firTileCplx(tile);
+}
+
+void runTile(const FirTile<ZCplx, double> &tile)
+{
+    firTileRealCplx(tile);
+}
+
+void runTile(const FirTile<double, ZCplx> &tile)
+{
+    firTileCplxReal(tile);
+}
+
+// Four steps of a row side by side, without planes.
+template <typename Tap, typename Sample, typename Out>
+void sumFour(const Tap *taps, int numTaps, const Sample *window, int down, Out *out,
+             std::ptrdiff_t rowCount)
+{
+    Out sum0 = {}, sum1 = {}, sum2 = {}, sum3 = {};
+    const std::ptrdiff_t next = down;
+    for (int k = 0; k < numTaps; ++k) {
+        sum0 = addProduct(sum0, taps[k], window[k]);
+        sum1 = addProduct(sum1, taps[k], window[k + next]);
+        sum2 = addProduct(sum2, taps[k], window[k + 2 * next]);
+        sum3 = addProduct(sum3, taps[k], window[k + 3 * next]);
+    }
+    out[0] = sum0;
+    out[rowCount] = sum1;
+    out[2 * rowCount] = sum2;
+    out[3 * rowCount] = sum3;
+}
+
+// The same outputs without planes: for steps too few or too long, and for rows too
+// short, to pay for dealing samples. A few steps at a time, so that inputs and
+// outputs of all rows stay in the cache.
+template <typename Tap, typename Sample, typename Out>
+void runPlainly(const RvxFirShape &shape, const Tap *taps, const Sample *window, Out *out,
+                std::ptrdiff_t steps)
+{
+    constexpr std::ptrdiff_t band = 8;
+    const std::ptrdiff_t down = shape.downFactor, up = shape.rowCount;
+    for (std::ptrdiff_t from = 0; from < steps; from += band) {
+        const std::ptrdiff_t past = std::min(from + band, steps);
+        for (int i = 0; i < shape.rowCount; ++i) {
+            const rvxFirPhaseRow &row = shape.rows[i];
+            const Tap *rowTaps = taps + row.tapOffset;
+            const Sample *first = window + row.dlyOffset;
+            std::ptrdiff_t m = from;
+            for (; m + 4 <= past; m += 4)
+                sumFour(rowTaps, row.numTaps, first + m * down, shape.downFactor, out + m * up + i,
+                        up);
+            for (; m < past; ++m)
+                out[m * up + i] = rvxFirSum(rowTaps, first + m * down, row.numTaps);
+        }
+    }
+}
+
+// How many steps and window positions, in steps, a tile holds.
+struct TileSize {
+    int steps;
+    int span;
+    int stride;
+};
+
+TileSize tileSize(int period, int viewSpan)
+{
+    const int stride = RVX_TILE / period / RVX_LINE * RVX_LINE;
+    const int span = std::min(viewSpan, stride / 2);
+    const int steps = stride - span - 3;
+    return {steps >= 32 ? steps / 32 * 32 : steps / 4 * 4, span, stride};
+}
+
+} // namespace
+
+template <typename Tap, typename Sample>
+void rvxFirRun(const RvxFirShape &shape, const Tap *taps, const Sample *window,
+               RvxFirOut<Tap, Sample> *out, std::ptrdiff_t steps)
+{
+    constexpr int minStride = 2 * RVX_LINE;
+    const std::int64_t period = std::int64_t{partsOf<Sample>} * shape.downFactor;
+    if (steps < 4 || period * minStride > RVX_TILE || shape.tapsLen < 4 * shape.rowCount) {
+        runPlainly(shape, taps, window, out, steps);
+        return;
+    }
+    const int down = shape.downFactor;
+    const int viewLen = shape.dlylLen + down;
+    const TileSize size = tileSize(static_cast<int>(period), (viewLen + down - 1) / down);
+    for (std::ptrdiff_t m = 0; m < steps; m += size.steps) {
+        const int tileSteps = static_cast<int>(std::min<std::ptrdiff_t>(steps - m, size.steps));
+        for (std::int64_t begin = 0; begin < viewLen; begin += size.span * down) {
+            const int end =
+                static_cast<int>(std::min<std::int64_t>(viewLen, begin + size.span * down));
+            runTile(FirTile<Tap, Sample>{shape, taps, window + m * down + begin,
+                                         out + m * shape.rowCount, tileSteps,
+                                         static_cast<int>(begin), end, size.stride});
+        }
+    }
+}
+
+template <typename Tap, typename Sample>
+RvxFirOut<Tap, Sample> rvxFirSum(const Tap *taps, const Sample *window, int n)
+{
+    RvxFirOut<Tap, Sample> sum = {};
+    for (int k = 0; k < n; ++k)
+        sum = addProduct(sum, taps[k], window[k]);
+    return sum;
+}
+
+template void rvxFirRun(const RvxFirShape &, const double *, const double *, double *,
+                        std::ptrdiff_t);
+template void rvxFirRun(const RvxFirShape &, const ZCplx *, const ZCplx *, ZCplx *, std::ptrdiff_t);
+template void rvxFirRun(const RvxFirShape &, const ZCplx *, const double *, ZCplx *,
+                        std::ptrdiff_t);
+template void rvxFirRun(const RvxFirShape &, const double *, const ZCplx *, ZCplx *,
+                        std::ptrdiff_t);
+template double rvxFirSum(const double *, const double *, int);
+template ZCplx rvxFirSum(const ZCplx *, const ZCplx *, int);
+template ZCplx rvxFirSum(const ZCplx *, const double *, int);
+template ZCplx rvxFirSum(const double *, const ZCplx *, int);

@@ -1,0 +1,493 @@
+// FIR filters: their records, checks and memory.
+
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "rvx.h"
+#include "support/allocations.h"
+#include "support/fir_families.h"
+#include "support/guarded.h"
+#include "support/reports.h"
+
+namespace {
+
+using Row = std::vector<int>;
+
+std::vector<Row> rowsOf(const rvxFirState &state)
+{
+    std::vector<Row> rows;
+    for (int i = 0; i < state.upFactor; ++i) {
+        const rvxFirPhaseRow &row = state.phaseTable[i];
+        rows.push_back({row.phase, row.numTaps, row.dlyOffset, row.tapOffset});
+    }
+    return rows;
+}
+
+template <typename Element>
+std::vector<Element> taken(const void *from, int n)
+{
+    const Element *first = static_cast<const Element *>(from);
+    return std::vector<Element>(first, first + n);
+}
+
+// Elements that tell where they came from.
+template <typename Element>
+Element numbered(int i)
+{
+    Element element = {};
+    *reinterpret_cast<double *>(&element) = 1.0 + i;
+    return element;
+}
+
+template <typename Element>
+std::vector<Element> numberedBlock(int n)
+{
+    std::vector<Element> block;
+    for (int i = 0; i < n; ++i)
+        block.push_back(numbered<Element>(i));
+    return block;
+}
+
+template <typename Element>
+bool sameBytes(const std::vector<Element> &a, const std::vector<Element> &b)
+{
+    return a.size() == b.size() &&
+           (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(Element)) == 0);
+}
+
+TEST(FirPhaseTable, Examples)
+{
+    rvxFirState state = {};
+    rvxdFirInitMr(nullptr, 4, nullptr, 2, 0, 1, 0, &state);
+    EXPECT_EQ(rowsOf(state), (std::vector<Row>{{0, 2, 1, 0}, {1, 2, 1, 2}}));
+    rvxdFirInitMr(nullptr, 4, nullptr, 1, 0, 2, 0, &state);
+    EXPECT_EQ(rowsOf(state), (std::vector<Row>{{0, 4, 1, 0}}));
+    rvxdFirInitMr(nullptr, 7, nullptr, 3, 1, 2, 1, &state);
+    EXPECT_EQ(rowsOf(state), (std::vector<Row>{{0, 3, 1, 0}, {2, 2, 2, 5}, {1, 2, 3, 3}}));
+    rvxFirFree(&state);
+}
+
+// The table counted out: times walk one by one instead of by remainders.
+TEST(FirPhaseTable, AgreesWithCounting)
+{
+    rvxFirState state = {};
+    for (int up = 1; up <= 6; ++up)
+        for (int down = up == 1 ? 2 : 1; down <= 6; ++down)
+            for (int upPhase = 0; upPhase < up; ++upPhase)
+                for (int downPhase = 0; downPhase < down; ++downPhase)
+                    for (int tapsLen = 1; tapsLen <= 14; ++tapsLen) {
+                        rvxdFirInitMr(nullptr, tapsLen, nullptr, up, upPhase, down, downPhase,
+                                      &state);
+                        std::vector<Row> expected;
+                        for (int i = 0; i < up; ++i) {
+                            int count = 0, time = i * down + downPhase;
+                            for (; time >= upPhase; time -= up)
+                                ++count;
+                            const int p = time - upPhase + up == up ? 0 : time - upPhase + up;
+                            int numTaps = 0, tapOffset = 0;
+                            for (int j = 0; j < tapsLen; ++j) {
+                                numTaps += j % up == p ? 1 : 0;
+                                tapOffset += j % up < p ? 1 : 0;
+                            }
+                            const bool shorter = numTaps < (tapsLen + up - 1) / up;
+                            expected.push_back({p, numTaps, count + (shorter ? 1 : 0), tapOffset});
+                        }
+                        ASSERT_EQ(rowsOf(state), expected) << up << " " << upPhase << " " << down
+                                                           << " " << downPhase << " " << tapsLen;
+                    }
+    rvxFirFree(&state);
+}
+
+template <typename Family>
+class FirState : public ::testing::Test {
+protected:
+    std::vector<Report> refused(const std::string &func, const char *context)
+    {
+        return badArgument(func.c_str(), context, "rvxfirh");
+    }
+
+    Reports reports;
+    Noise noise{2};
+};
+
+TYPED_TEST_SUITE(FirState, AllFamilies, FamilyNames);
+
+TYPED_TEST(FirState, SingleRateFields)
+{
+    using Tap = typename TypeParam::Tap;
+    using Sample = typename TypeParam::Sample;
+    for (int tapsLen : {1, 2, 3, 4, 7, 63, 64, 65, 66, 200}) {
+        rvxFirState state;
+        std::memset(&state, 0xa5, sizeof state);
+        const auto taps = numberedBlock<Tap>(tapsLen);
+        const auto past = numberedBlock<Sample>(tapsLen - 1);
+        TypeParam::init(taps.data(), tapsLen, past.data(), &state);
+        EXPECT_EQ(state.upFactor, 1);
+        EXPECT_EQ(state.upPhase, 0);
+        EXPECT_EQ(state.downFactor, 1);
+        EXPECT_EQ(state.downPhase, 0);
+        EXPECT_EQ(state.isMultiRate, 0);
+        EXPECT_EQ(state.self, &state);
+        EXPECT_EQ(state.tapsLen, tapsLen);
+        EXPECT_EQ(state.tapsBlockLen, tapsLen - tapsLen % TypeParam::tapsBlock);
+        EXPECT_EQ(state.dlylLen, tapsLen - 1);
+        EXPECT_EQ(state.bufLen, tapsLen <= 64 ? 64 : tapsLen);
+        EXPECT_EQ(state.phaseTable, nullptr);
+        EXPECT_EQ(state.dlylCur, state.dlylBase);
+        EXPECT_EQ(state.dlylEnd, static_cast<Sample *>(state.dlylBase) + state.bufLen);
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(state.taps) % 32, 0u);
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(state.dlylBase) % 32, 0u);
+        const std::vector<Tap> reversed(taps.rbegin(), taps.rend());
+        EXPECT_TRUE(sameBytes(taken<Tap>(state.taps, tapsLen), reversed));
+        EXPECT_TRUE(sameBytes(taken<Sample>(state.dlylCur, tapsLen - 1), past));
+        rvxFirFree(&state);
+    }
+    EXPECT_TRUE(this->reports.take().empty());
+}
+
+TYPED_TEST(FirState, FactorsOfOneAreSingleRate)
+{
+    rvxFirState state = {};
+    TypeParam::initMr(nullptr, 8, nullptr, 1, 0, 1, 0, &state);
+    EXPECT_EQ(state.isMultiRate, 0);
+    EXPECT_EQ(state.dlylLen, 7);
+    EXPECT_EQ(state.phaseTable, nullptr);
+    TypeParam::initMr(nullptr, 8, nullptr, 1, 0, 2, 1, &state);
+    EXPECT_EQ(state.isMultiRate, 1);
+    EXPECT_EQ(state.dlylLen, 8);
+    EXPECT_EQ(state.downPhase, 1);
+    EXPECT_EQ(state.bufLen, 64);
+    rvxFirFree(&state);
+}
+
+TYPED_TEST(FirState, MultiRateFields)
+{
+    using Tap = typename TypeParam::Tap;
+    using Sample = typename TypeParam::Sample;
+    const auto taps = numberedBlock<Tap>(8);
+    const auto past = numberedBlock<Sample>(3);
+    rvxFirState state = {};
+    TypeParam::initMr(taps.data(), 8, past.data(), 3, 2, 5, 4, &state);
+    EXPECT_EQ(state.upFactor, 3);
+    EXPECT_EQ(state.upPhase, 2);
+    EXPECT_EQ(state.downFactor, 5);
+    EXPECT_EQ(state.downPhase, 4);
+    EXPECT_EQ(state.isMultiRate, 1);
+    EXPECT_EQ(state.tapsBlockLen, 8);
+    EXPECT_EQ(state.dlylLen, 3);
+    EXPECT_EQ(state.bufLen, 65); // 63 in whole steps of 5
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(state.phaseTable) % 32, 0u);
+    // h[6] h[3] h[0], h[7] h[4] h[1], h[5] h[2]
+    std::vector<Tap> stored;
+    for (int i : {6, 3, 0, 7, 4, 1, 5, 2})
+        stored.push_back(numbered<Tap>(i));
+    EXPECT_TRUE(sameBytes(taken<Tap>(state.taps, 8), stored));
+    EXPECT_TRUE(sameBytes(taken<Sample>(state.dlylCur, 3), past));
+    TypeParam::initMr(nullptr, 600, nullptr, 3, 0, 7, 0, &state);
+    EXPECT_EQ(state.dlylLen, 200);
+    EXPECT_EQ(state.bufLen, 203);
+    rvxFirFree(&state);
+}
+
+TYPED_TEST(FirState, NullValuesAreZeros)
+{
+    using Tap = typename TypeParam::Tap;
+    using Sample = typename TypeParam::Sample;
+    rvxFirState state = {};
+    for (int up : {1, 3}) {
+        TypeParam::initMr(nullptr, 70, nullptr, up, 0, 1, 0, &state);
+        EXPECT_TRUE(sameBytes(taken<Tap>(state.taps, 70), std::vector<Tap>(70, Tap{})));
+        EXPECT_TRUE(sameBytes(taken<Sample>(state.dlylCur, state.dlylLen),
+                              std::vector<Sample>(static_cast<std::size_t>(state.dlylLen))));
+    }
+    rvxFirFree(&state);
+}
+
+TYPED_TEST(FirState, SingleRateChecksInOrder)
+{
+    const std::string name = initName<TypeParam>();
+    rvxFirState state = {};
+    TypeParam::init(nullptr, 0, nullptr, nullptr);
+    EXPECT_EQ(this->reports.take(), this->refused(name, "Null state pointer"));
+    for (int tapsLen : {0, -1, INT_MIN}) {
+        TypeParam::init(nullptr, tapsLen, nullptr, &state);
+        EXPECT_EQ(this->reports.take(), this->refused(name, "Invalid value"));
+    }
+    EXPECT_EQ(state.self, nullptr);
+}
+
+TYPED_TEST(FirState, MultiRateChecksInOrder)
+{
+    const std::string name = initMrName<TypeParam>();
+    TypeParam::initMr(nullptr, 0, nullptr, 0, 0, 0, 0, nullptr);
+    EXPECT_EQ(this->reports.take(), this->refused(name, "Null state pointer"));
+    // tapsLen, upFactor, upPhase, downFactor, downPhase; one of them bad
+    const int bad[][5] = {{4, 0, 0, 1, 0},  {4, -2, 0, 1, 0}, {4, 1, 0, 0, 0},  {4, 1, 0, -1, 0},
+                          {4, 2, -1, 2, 0}, {4, 2, 2, 2, 0},  {4, 2, 0, 2, -1}, {4, 2, 0, 2, 2},
+                          {0, 2, 0, 2, 0},  {-1, 1, 0, 1, 0}, {4, 1, 1, 1, 0},  {4, 1, 0, 1, 1}};
+    rvxFirState state = {};
+    for (const int *a : bad) {
+        TypeParam::initMr(nullptr, a[0], nullptr, a[1], a[2], a[3], a[4], &state);
+        EXPECT_EQ(this->reports.take(), this->refused(name, "Invalid value"))
+            << a[0] << " " << a[1] << " " << a[2] << " " << a[3] << " " << a[4];
+        EXPECT_EQ(state.self, nullptr);
+    }
+}
+
+TYPED_TEST(FirState, OneSampleChecksInOrder)
+{
+    using Out = typename TypeParam::Out;
+    const std::string name = oneName<TypeParam>();
+    const Out zero = {};
+    Out out = TypeParam::one(nullptr, {});
+    EXPECT_EQ(this->reports.take(), this->refused(name, "Null state pointer"));
+    EXPECT_EQ(std::memcmp(&out, &zero, sizeof out), 0);
+    rvxFirState state;
+    std::memset(&state, 0xa5, sizeof state);
+    out = TypeParam::one(&state, {});
+    EXPECT_EQ(this->reports.take(), this->refused(name, "Must have been initialized"));
+    EXPECT_EQ(std::memcmp(&out, &zero, sizeof out), 0);
+}
+
+TYPED_TEST(FirState, BlockChecksInOrder)
+{
+    using Sample = typename TypeParam::Sample;
+    using Out = typename TypeParam::Out;
+    const std::string name = blockName<TypeParam>();
+    const Sample in[4] = {};
+    Guarded<Out> out(4);
+    const auto before = out.values();
+    rvxFirState dead;
+    std::memset(&dead, 0xa5, sizeof dead);
+    TypeParam::block(nullptr, nullptr, nullptr, 0);
+    EXPECT_EQ(this->reports.take(), this->refused(name, "Null state pointer"));
+    TypeParam::block(&dead, nullptr, nullptr, 0);
+    EXPECT_EQ(this->reports.take(), this->refused(name, "Must have been initialized"));
+
+    Filter<TypeParam> filter(3, {}, this->noise);
+    const auto window = filter.window();
+    TypeParam::block(&filter.state, nullptr, out.data(), 4);
+    EXPECT_EQ(this->reports.take(), this->refused(name, "Null buffer pointer"));
+    TypeParam::block(&filter.state, in, nullptr, 4);
+    EXPECT_EQ(this->reports.take(), this->refused(name, "Null buffer pointer"));
+    // A null pointer is seen before the length.
+    TypeParam::block(&filter.state, nullptr, out.data(), 0);
+    EXPECT_EQ(this->reports.take(), this->refused(name, "Null buffer pointer"));
+    for (int n : {0, -1, INT_MIN}) {
+        TypeParam::block(&filter.state, in, out.data(), n);
+        EXPECT_EQ(this->reports.take(), this->refused(name, "Invalid value"));
+    }
+    EXPECT_TRUE(sameBytes(out.values(), before));
+    EXPECT_TRUE(sameBytes(filter.window(), window));
+}
+
+TEST(FirFree, ChecksUnderItsOddName)
+{
+    Reports reports;
+    rvxFirFree(nullptr);
+    EXPECT_EQ(reports.take(), badArgument("rvxFirrvxFree", "Null state pointer", "rvxfirh"));
+    rvxFirState state;
+    std::memset(&state, 0xa5, sizeof state);
+    rvxFirFree(&state);
+    EXPECT_EQ(reports.take(),
+              badArgument("rvxFirrvxFree", "Must have been initialized", "rvxfirh"));
+}
+
+TEST(FirFree, TwiceIsRefused)
+{
+    Reports reports;
+    rvxFirState state = {};
+    rvxdFirInitMr(nullptr, 4, nullptr, 2, 0, 1, 0, &state);
+    const void *taps = state.taps, *base = state.dlylBase, *end = state.dlylEnd;
+    rvxFirFree(&state);
+    EXPECT_EQ(state.self, nullptr);
+    EXPECT_EQ(state.phaseTable, nullptr);
+    EXPECT_EQ(state.taps, taps);
+    EXPECT_EQ(state.dlylBase, base);
+    EXPECT_EQ(state.dlylEnd, end);
+    EXPECT_TRUE(reports.take().empty());
+    rvxFirFree(&state);
+    EXPECT_EQ(reports.take(),
+              badArgument("rvxFirrvxFree", "Must have been initialized", "rvxfirh"));
+}
+
+TEST(FirFree, CopyOfARecordIsNotLive)
+{
+    Reports reports;
+    rvxFirState state = {};
+    rvxdFirInit(nullptr, 4, nullptr, &state);
+    rvxFirState copy = state;
+    rvxFirFree(&copy);
+    EXPECT_EQ(reports.take(),
+              badArgument("rvxFirrvxFree", "Must have been initialized", "rvxfirh"));
+    rvxFirFree(&state);
+    EXPECT_TRUE(reports.take().empty());
+}
+
+TEST(FirStores, ChecksInOrder)
+{
+    Reports reports;
+    rvxFirState dead;
+    std::memset(&dead, 0xa5, sizeof dead);
+    const rvxFirState before = dead;
+    const double x[4] = {};
+    const ZCplx z[4] = {};
+    const auto expect = [&](const char *func, const char *context) {
+        EXPECT_EQ(reports.take(), badArgument(func, context, "rvxfirh"));
+    };
+    rvxdFirSetTaps(x, nullptr);
+    expect("rvxdFirSetTaps", "Null state pointer");
+    rvxdFirSetTaps(x, &dead);
+    expect("rvxdFirSetTaps", "Must have been initialized");
+    rvxzFirSetTaps(z, nullptr);
+    expect("rvxzFirSetTaps", "Null state pointer");
+    rvxzFirSetTaps(z, &dead);
+    expect("rvxzFirSetTaps", "Must have been initialized");
+    rvxdFirSetDlyl(x, nullptr);
+    expect("rvxdFirSetDlyl", "Null state pointer");
+    rvxdFirSetDlyl(x, &dead);
+    expect("rvxdFirSetDlyl", "Must have been initialized");
+    rvxzFirSetDlyl(z, nullptr);
+    expect("rvxzFirSetDlyl", "Null state pointer");
+    rvxzFirSetDlyl(z, &dead);
+    expect("rvxzFirSetDlyl", "Must have been initialized");
+    EXPECT_EQ(std::memcmp(&dead, &before, sizeof dead), 0);
+}
+
+TYPED_TEST(FirState, LiveStateIsReleasedByAnyInitialiser)
+{
+    AllocationWatch watch;
+    rvxFirState state = {};
+    rvxzFirInitMr(nullptr, 40, nullptr, 3, 0, 2, 0, &state);
+    EXPECT_EQ(watch.live(), 3);
+    TypeParam::init(nullptr, 10, nullptr, &state);
+    EXPECT_EQ(watch.live(), 2);
+    TypeParam::initMr(nullptr, 10, nullptr, 1, 0, 2, 0, &state);
+    EXPECT_EQ(watch.live(), 3);
+    rvxFirFree(&state);
+    EXPECT_EQ(watch.live(), 0);
+}
+
+TYPED_TEST(FirState, RefusedInitialiserLeavesTheLiveFilterWorking)
+{
+    Filter<TypeParam> filter(9, {2, 1, 3, 2}, this->noise);
+    rvxFirState before = filter.state;
+    TypeParam::init(nullptr, 0, nullptr, &filter.state);
+    TypeParam::initMr(nullptr, 4, nullptr, 2, 2, 1, 0, &filter.state);
+    EXPECT_EQ(this->reports.take().size(), 2u);
+    EXPECT_EQ(std::memcmp(&filter.state, &before, sizeof before), 0);
+    const auto in = this->noise.template block<typename TypeParam::Sample>(30);
+    std::vector<typename TypeParam::Out> out(20);
+    TypeParam::block(&filter.state, in.data(), out.data(), 10);
+    EXPECT_TRUE(sameBytes(out, filter.expected(in)));
+}
+
+TYPED_TEST(FirState, EveryFailedAllocationIsReportedAndLeavesNothing)
+{
+    const std::vector<Report> single = {
+        {RVX_STATUS_NO_MEMORY, initName<TypeParam>(), "Allocation failure", "rvxfirh"}};
+    const std::vector<Report> multi = {
+        {RVX_STATUS_NO_MEMORY, initMrName<TypeParam>(), "Allocation failure", "rvxfirh"}};
+    for (bool isMulti : {false, true}) {
+        for (long k = 1; k <= (isMulti ? 3 : 2); ++k) {
+            rvxFirState state = {};
+            TypeParam::init(nullptr, 5, nullptr, &state);
+            {
+                AllocationWatch watch(k);
+                if (isMulti)
+                    TypeParam::initMr(nullptr, 20, nullptr, 2, 0, 3, 0, &state);
+                else
+                    TypeParam::init(nullptr, 20, nullptr, &state);
+                EXPECT_EQ(watch.failures(), 1) << k;
+                EXPECT_EQ(watch.live(), -2) << k; // those of the filter before
+            }
+            EXPECT_EQ(this->reports.take(), isMulti ? multi : single) << k;
+            EXPECT_EQ(state.self, nullptr);
+            EXPECT_EQ(state.phaseTable, nullptr);
+            rvxFirFree(&state);
+            EXPECT_EQ(this->reports.take(),
+                      this->refused("rvxFirrvxFree", "Must have been initialized"));
+        }
+    }
+}
+
+TYPED_TEST(FirState, LengthsBeyondAnyMemoryAreReported)
+{
+    const std::vector<Report> single = {
+        {RVX_STATUS_NO_MEMORY, initName<TypeParam>(), "Allocation failure", "rvxfirh"}};
+    const std::vector<Report> multi = {
+        {RVX_STATUS_NO_MEMORY, initMrName<TypeParam>(), "Allocation failure", "rvxfirh"}};
+    rvxFirState state = {};
+    TypeParam::init(nullptr, INT_MAX, nullptr, &state);
+    EXPECT_EQ(this->reports.take(), single);
+    EXPECT_EQ(state.self, nullptr);
+    const int factors[][2] = {{INT_MAX, INT_MAX}, {1, INT_MAX}, {INT_MAX, 1}, {2, 1 << 30}};
+    for (const int *f : factors) {
+        for (int tapsLen : {1, 100, INT_MAX}) {
+            TypeParam::initMr(nullptr, tapsLen, nullptr, f[0], f[0] - 1, f[1], f[1] - 1, &state);
+            EXPECT_EQ(this->reports.take(), multi) << f[0] << " " << f[1] << " " << tapsLen;
+            EXPECT_EQ(state.self, nullptr);
+        }
+    }
+}
+
+TYPED_TEST(FirState, CallsAllocateNothing)
+{
+    Filter<TypeParam> filter(40, {}, this->noise);
+    const auto in = this->noise.template block<typename TypeParam::Sample>(300);
+    std::vector<typename TypeParam::Out> out(300);
+    AllocationWatch watch;
+    TypeParam::block(&filter.state, in.data(), out.data(), 300);
+    for (int i = 0; i < 200; ++i)
+        TypeParam::one(&filter.state, in[0]);
+    EXPECT_EQ(watch.allocations(), 0);
+}
+
+// What one-sample calls give on a multi-rate state means nothing, but they stay
+// inside its arrays, and blocks go on working on the start of the buffer.
+TYPED_TEST(FirState, OneSampleCallsOnMultiRateStatesStayInside)
+{
+    using Sample = typename TypeParam::Sample;
+    for (int up : {1, 2, 5}) {
+        for (int down : {2, 3}) {
+            for (int tapsLen : {1, 4, 150, 400}) {
+                Filter<TypeParam> filter(tapsLen, {up, 0, down, 0}, this->noise);
+                const Sample *base = static_cast<Sample *>(filter.state.dlylBase);
+                const auto in = this->noise.template block<Sample>(1000);
+                for (const Sample &x : in) {
+                    TypeParam::one(&filter.state, x);
+                    const auto at = static_cast<Sample *>(filter.state.dlylCur) - base;
+                    ASSERT_TRUE(at >= 0 && at < filter.state.bufLen);
+                }
+                std::vector<typename TypeParam::Out> out(static_cast<std::size_t>(20 * up));
+                filter.past = taken<Sample>(filter.state.dlylBase, filter.state.dlylLen);
+                const std::vector<Sample> block(in.begin(), in.begin() + 20 * down);
+                TypeParam::block(&filter.state, block.data(), out.data(), 20);
+                EXPECT_TRUE(sameBytes(out, filter.expected(block)));
+                EXPECT_EQ(filter.state.dlylCur, filter.state.dlylBase);
+            }
+        }
+    }
+    EXPECT_TRUE(this->reports.take().empty());
+}
+
+TEST(FirDeath, FailedChecksEndTheProcessInModeZero)
+{
+    rvxSetErrMode(0);
+    rvxFirState state = {};
+    const double x[1] = {};
+    double y[1];
+    EXPECT_EXIT(rvxdFirInit(x, 0, nullptr, &state), ::testing::ExitedWithCode(1), "");
+    EXPECT_EXIT(rvxdFirInitMr(x, 1, nullptr, 0, 0, 1, 0, &state), ::testing::ExitedWithCode(1), "");
+    EXPECT_EXIT(rvxdFirInit(x, INT_MAX, nullptr, &state), ::testing::ExitedWithCode(1), "");
+    EXPECT_EXIT(rvxdFir(&state, 1.0), ::testing::ExitedWithCode(1), "");
+    EXPECT_EXIT(rvxdbFir(&state, x, y, 1), ::testing::ExitedWithCode(1), "");
+    EXPECT_EXIT(rvxFirFree(&state), ::testing::ExitedWithCode(1), "");
+}
+
+} // namespace
