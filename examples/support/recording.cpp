@@ -1,45 +1,19 @@
 #include "recording.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <climits>
 #include <cmath>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <memory>
-#include <stdexcept>
 
 #include <sndfile.h>
+
+#include "file.h"
 
 namespace demo {
 namespace {
 
 using SoundFile = std::unique_ptr<SNDFILE, int (*)(SNDFILE *)>;
-
-[[noreturn]] void refuse(const std::string &path, const std::string &reason)
-{
-    throw std::runtime_error(path + ": " + reason);
-}
-
-// What the operating system can say is said in its words; what is left for the
-// sound library is a file of the wrong kind.
-void requireFile(const std::string &path)
-{
-    std::error_code failure;
-    const auto status = std::filesystem::status(path, failure);
-    if (failure)
-        refuse(path, failure.message());
-    if (std::filesystem::is_directory(status))
-        refuse(path, "is a directory, not a WAV file");
-    if (!std::filesystem::is_regular_file(status))
-        refuse(path, "is not a regular file");
-    errno = 0;
-    if (!std::ifstream(path, std::ios::binary))
-        refuse(path, std::strerror(errno));
-    if (std::filesystem::file_size(path) == 0)
-        refuse(path, "is empty");
-}
 
 // The samples that the header announces; 0 when it does not say. The sound library takes a file
 // that was cut short for a shorter one.
@@ -60,7 +34,7 @@ sf_count_t announcedSamples(SNDFILE *file, const SF_INFO &info)
 
 Recording readRecording(const std::string &path, int atLeast)
 {
-    requireFile(path);
+    requireFile(path, "a WAV file");
     SF_INFO info{};
     const SoundFile file(sf_open(path.c_str(), SFM_READ, &info), sf_close);
     if (file == nullptr)
