@@ -24,8 +24,11 @@ constexpr int RVX_LINE = 8;
 // in the one set, the other has it inside a line. Crossing costs a second load,
 // and loads are the limit.
 constexpr int RVX_SHIFT = RVX_TILE + RVX_LINE / 2;
-// Outputs of a group in registers, in vectors.
-constexpr int RVX_GROUP = 8;
+// Registers that hold sums; complex samples want some for themselves.
+constexpr int RVX_GROUP = 12;
+
+// Real filters longer than this gain from the second set more than planes cost.
+constexpr int RVX_SLIDE_LIMIT = 64;
 
 template <typename Element>
 constexpr int partsOf = sizeof(Element) / sizeof(double);
@@ -153,10 +156,6 @@ RVX_INLINE CplxSums loadFour(const ZCplx *out)
 template <typename Out, typename Sums>
 RVX_INLINE void storeSums(Sums sums, Out *out, int rowCount, int count)
 {
-    if (rowCount == 1 && count >= 4) {
-        storeFour(sums, out);
-        return;
-    }
     Out four[4];
     storeFour(sums, four);
     for (int k = 0; k < std::min(count, 4); ++k)
@@ -226,6 +225,11 @@ RVX_INLINE int sumGroup(const FirTile<Tap, Sample> &tile, const RowPart<Tap> &pa
         }
     }
 
+    if (rowCount == 1 && count >= 4 * Vectors) {
+        for (int k = 0; k < Vectors; ++k)
+            storeFour(sums[k], out + 4 * k);
+        return m + 4 * Vectors;
+    }
     for (int k = 0; k < Vectors; ++k)
         storeSums(sums[k], out + std::ptrdiff_t{4 * k} * rowCount, rowCount, count - 4 * k);
     return m + 4 * Vectors;
@@ -272,7 +276,7 @@ RVX_INLINE void filterTile(const FirTile<Tap, Sample> &tile)
     // Parts of a complex value are two doubles in a row.
     dealPlanes(reinterpret_cast<const double *>(tile.src), samples * partsOf<Sample>,
                shape.downFactor * partsOf<Sample>, planes, tile.stride);
-    constexpr int widest = RVX_GROUP / partsOf<RvxFirOut<Tap, Sample>>;
+    constexpr int widest = partsOf<Sample> == 2 ? 4 : RVX_GROUP / partsOf<Tap>;
     for (int i = 0; i < shape.rowCount; ++i) {
         const RowPart<Tap> part = partOf(shape.rows[i], tile);
         if (part.numTaps <= 0 && tile.begin > 0)
@@ -280,13 +284,13 @@ RVX_INLINE void filterTile(const FirTile<Tap, Sample> &tile)
         RvxFirOut<Tap, Sample> *out = tile.out + i;
         const int vectors = (tile.steps + 3) / 4;
         int m = 0;
-        for (int k = vectors / widest; k > 0; --k)
+        while (4 * vectors - m >= 4 * widest)
             m = sumGroup<widest>(tile, part, planes, m, out);
-        if (widest > 4 && vectors % 8 >= 4)
+        while (4 * vectors - m >= 16)
             m = sumGroup<4>(tile, part, planes, m, out);
-        if (vectors % 4 >= 2)
+        if (4 * vectors - m >= 8)
             m = sumGroup<2>(tile, part, planes, m, out);
-        if (vectors % 2 != 0)
+        if (4 * vectors - m >= 4)
             sumGroup<1>(tile, part, planes, m, out);
     }
 }
@@ -329,6 +333,88 @@ void runTile(const FirTile<ZCplx, double> &tile)
 void runTile(const FirTile<double, ZCplx> &tile)
 {
     firTileCplxReal(tile);
+}
+
+// Real taps at a single rate: the samples need no planes, and complex ones are two
+// doubles in a row, Lag = 2 from tap to tap. Up to eight taps stay in registers and
+// the sums pass by, each a vector behind the next: a vector of samples then serves
+// as many taps as sums are on their way.
+template <int Lag, int Taps>
+struct Slide {
+    static constexpr int shifts = Taps < 4 / Lag ? Taps : 4 / Lag;
+    static constexpr int stages = Taps / shifts;
+    Lanes taps[Taps];
+    Lanes sums[stages];
+
+    // Lets `entering` in, and gives the sum that is complete.
+    RVX_INLINE Lanes advance(Lanes entering, const double *x)
+    {
+        for (int j = stages - 1; j > 0; --j)
+            sums[j] = sums[j - 1];
+        sums[0] = entering;
+        for (int s = 0; s < shifts; ++s) {
+            const Lanes sample = loadLanesOnce(x + s * Lag);
+            for (int j = 0; j < stages; ++j)
+                sums[j] = sums[j] + taps[j * shifts + s] * sample;
+        }
+        return sums[stages - 1];
+    }
+};
+
+// out[i] += sum of taps[k] * x[i + Lag * k] over k below Taps, for i below n, a
+// multiple of 4; out counts as 0.0 if `first`.
+template <int Lag, int Taps>
+RVX_INLINE void slidePass(const double *taps, const double *x, double *out, int n, bool first)
+{
+    Slide<Lag, Taps> slide;
+    for (int k = 0; k < Taps; ++k)
+        slide.taps[k] = allLanes(taps[k]);
+    const Lanes zero = allLanes(0.0);
+    for (Lanes &sum : slide.sums)
+        sum = zero;
+    constexpr int ahead = 4 * (slide.stages - 1);
+    int i = 0;
+    for (; i < std::min(ahead, n); i += 4)
+        slide.advance(first ? zero : loadLanes(out + i), x + i);
+    for (; i < ahead; i += 4) // where there are fewer sums than stages
+        slide.advance(zero, x + i);
+    if (first) {
+        for (; i < n; i += 4)
+            storeLanes(out + i - ahead, slide.advance(zero, x + i));
+    } else {
+        for (; i < n; i += 4)
+            storeLanes(out + i - ahead, slide.advance(loadLanes(out + i), x + i));
+    }
+    for (; i < n + ahead; i += 4)
+        storeLanes(out + i - ahead, slide.advance(zero, x + i));
+}
+
+template <int Lag>
+RVX_INLINE void slideTaps(const double *taps, int numTaps, const double *x, double *out, int n)
+{
+    constexpr int tile = 512;
+    for (int from = 0; from < n; from += tile) {
+        const int part = std::min(tile, n - from);
+        int k = 0;
+        for (; k + 8 <= numTaps; k += 8)
+            slidePass<Lag, 8>(taps + k, x + from + Lag * k, out + from, part, k == 0);
+        for (; k + 4 <= numTaps; k += 4)
+            slidePass<Lag, 4>(taps + k, x + from + Lag * k, out + from, part, k == 0);
+        for (; k + 2 <= numTaps; k += 2)
+            slidePass<Lag, 2>(taps + k, x + from + Lag * k, out + from, part, k == 0);
+        for (; k < numTaps; ++k)
+            slidePass<Lag, 1>(taps + k, x + from + Lag * k, out + from, part, k == 0);
+    }
+}
+
+RVX_KERNEL void firSlideReal(const double *taps, int numTaps, const double *x, double *out, int n)
+{
+    slideTaps<1>(taps, numTaps, x, out, n);
+}
+
+RVX_KERNEL void firSlideParts(const double *taps, int numTaps, const double *x, double *out, int n)
+{
+    slideTaps<2>(taps, numTaps, x, out, n);
 }
 
 // Four steps of a row side by side, without planes.
@@ -375,6 +461,31 @@ void runPlainly(const RvxFirShape &shape, const Tap *taps, const Sample *window,
     }
 }
 
+// Single-rate filters with real taps; the last outputs, too few for a vector, one by
+// one.
+template <typename Tap, typename Sample, typename Out>
+void runSliding(const RvxFirShape &shape, const Tap *taps, const Sample *window, Out *out,
+                std::ptrdiff_t steps)
+{
+    if constexpr (partsOf<Tap> == 1) {
+        constexpr int band = 1 << 16;
+        constexpr int parts = partsOf<Sample>;
+        std::ptrdiff_t m = 0;
+        while (steps - m >= 4 / parts) {
+            const int n = static_cast<int>(std::min<std::ptrdiff_t>(steps - m, band)) * parts & ~3;
+            const auto *x = reinterpret_cast<const double *>(window + m);
+            auto *y = reinterpret_cast<double *>(out + m);
+            if (parts == 1)
+                firSlideReal(taps, shape.tapsLen, x, y, n);
+            else
+                firSlideParts(taps, shape.tapsLen, x, y, n);
+            m += n / parts;
+        }
+        for (; m < steps; ++m)
+            out[m] = rvxFirSum(taps, window + m, shape.tapsLen);
+    }
+}
+
 // How many steps and window positions, in steps, a tile holds.
 struct TileSize {
     int steps;
@@ -387,7 +498,8 @@ TileSize tileSize(int period, int viewSpan)
     const int stride = RVX_TILE / period / RVX_LINE * RVX_LINE;
     const int span = std::min(viewSpan, stride / 2);
     const int steps = stride - span - 3;
-    return {steps >= 32 ? steps / 32 * 32 : steps / 4 * 4, span, stride};
+    constexpr int widest = 4 * RVX_GROUP;
+    return {steps >= widest ? steps / widest * widest : steps / 4 * 4, span, stride};
 }
 
 } // namespace
@@ -398,6 +510,11 @@ void rvxFirRun(const RvxFirShape &shape, const Tap *taps, const Sample *window,
 {
     constexpr int minStride = 2 * RVX_LINE;
     const std::int64_t period = std::int64_t{partsOf<Sample>} * shape.downFactor;
+    const bool slides = partsOf<Tap> == 1 && shape.downFactor == 1 && shape.rowCount == 1;
+    if (slides && (partsOf<Sample> == 2 || shape.tapsLen <= RVX_SLIDE_LIMIT)) {
+        runSliding(shape, taps, window, out, steps);
+        return;
+    }
     if (steps < 4 || period * minStride > RVX_TILE || shape.tapsLen < 4 * shape.rowCount) {
         runPlainly(shape, taps, window, out, steps);
         return;
