@@ -138,7 +138,7 @@ struct Peaks {
 // All tiles.
 //
 // Terms says what is added:
-//   n                elements, not less than stepLen
+//   n                elements, 1 or more
 //   sums, width      sums that run side by side, accumulators of each
 //   stepLen          elements that width vectors of terms take
 //   tileSteps        steps in a tile: more make the bound wider, less take longer
@@ -264,7 +264,10 @@ RVX_INLINE bool sumTiles(const Terms &terms, Totals *totals, Peaks &allPeaks)
 
     // The first step tells what to expect.
     Peaks peaks = {zero, zero};
-    terms.template step<LoadWhole>(0, sum, peaks);
+    if (terms.n < Terms::stepLen)
+        terms.template step<LoadTail>(0, sum, peaks);
+    else
+        terms.template step<LoadWhole>(0, sum, peaks);
     for (int s = 0; s < Terms::sums; ++s) {
         totals[s] = {zero, zero, zero, zero};
         bias[s] = biasAbove<Terms>(largestLane(Terms::bound(s, peaks)));
