@@ -98,6 +98,19 @@ long AllocationWatch::live() const
 
 extern "C" {
 
+#ifdef RVX_TEST_SANITIZED
+// A request for more memory than there is gives null, as the system's malloc does.
+const char *__asan_default_options()
+{
+    return "allocator_may_return_null=1";
+}
+
+const char *__tsan_default_options()
+{
+    return "allocator_may_return_null=1";
+}
+#endif
+
 void *RVX_REAL(malloc)(std::size_t);
 void *RVX_REAL(calloc)(std::size_t, std::size_t);
 void *RVX_REAL(realloc)(void *, std::size_t);
