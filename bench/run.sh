@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Measures the library beside the others and writes docs/benchmarks.md.
+# Measures the library beside the others, prints the table and writes it to
+# docs/benchmarks.md.
 #
 #   bench/run.sh              every family, about ten minutes at most
 #   bench/run.sh fft arith    these families; the others' sections stay

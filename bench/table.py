@@ -116,8 +116,9 @@ def section(name, context, rows):
         lines.append("")
         if reason:
             lines += [f"Limit: {reason}", ""]
-    print(f"{name}: {len(rows)} rows, {above} above their bar")
-    return "\n".join(lines)
+    text = "\n".join(lines)
+    print(f"{text}\n{name}: {len(rows)} rows, {above} above their bar")
+    return text
 
 
 def summary(name, text):
