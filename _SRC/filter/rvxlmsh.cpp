@@ -42,18 +42,6 @@ bool obtainArrays(std::int64_t dlylLen, rvxLmsState *state)
     return taps.taps != nullptr && line != nullptr;
 }
 
-template <typename Tap, typename Sample>
-bool makeState(const rvxLmsTapState &given, int moreLine, rvxLmsState *state)
-{
-    state->tapState = given;
-    state->errVal = {0.0, 0.0};
-    const std::int64_t dlylLen = std::int64_t{given.tapsLen} + given.errDly + moreLine;
-    const bool obtained = obtainArrays<Tap, Sample>(dlylLen, state);
-    if (!obtained)
-        rvxLmsFree(state);
-    return obtained;
-}
-
 // The record of the given values, before its array is there.
 rvxLmsTapState tapsOf(int lmsType, int tapsLen, float step, float leak, int errDly, int downFactor,
                       int downPhase)
@@ -69,6 +57,48 @@ rvxLmsTapState tapsOf(int lmsType, int tapsLen, float step, float leak, int errD
     taps.errDly = errDly;
     taps.lmsType = lmsType;
     return taps;
+}
+
+void storeTaps(const double *values, rvxLmsState *state)
+{
+    rvxdLmsSetTaps(values, state);
+}
+
+void storeTaps(const ZCplx *values, rvxLmsState *state)
+{
+    rvxzLmsSetTaps(values, state);
+}
+
+void storeLine(const double *values, rvxLmsState *state)
+{
+    rvxdLmsSetDlyl(values, state);
+}
+
+void storeLine(const ZCplx *values, rvxLmsState *state)
+{
+    rvxzLmsSetDlyl(values, state);
+}
+
+// All initialisers. moreLine is what the delay line holds beyond tapsLen + errDly;
+// a single-rate filter's phase and factor, 0 and 1, pass their checks.
+template <typename Tap, typename Sample>
+void initFilter(const char *func, const rvxLmsTapState &given, int moreLine, const Tap *tapVals,
+                const Sample *dlyVals, rvxLmsState *statePtr)
+{
+    RVX_REJECT_AS(func, statePtr == nullptr, "Null buffer pointer");
+    RVX_REJECT_AS(func, given.tapsLen < 1, "Invalid buffer length");
+    RVX_REJECT_AS(func, given.downPhase < 0, "Invalid phase value");
+    RVX_REJECT_AS(func, given.downFactor <= given.downPhase, "Invalid factor value");
+    statePtr->tapState = given;
+    statePtr->errVal = {0.0, 0.0};
+    const std::int64_t dlylLen = std::int64_t{given.tapsLen} + given.errDly + moreLine;
+    if (!obtainArrays<Tap, Sample>(dlylLen, statePtr)) {
+        rvxLmsFree(statePtr);
+        RVX_REPORT_AS(func, RVX_STATUS_NO_MEMORY, "Problem to allocate memory");
+        return;
+    }
+    storeTaps(tapVals, statePtr);
+    storeLine(dlyVals, statePtr);
 }
 
 } // namespace
@@ -100,96 +130,45 @@ void rvxzLmsSetDlyl(const ZCplx *values, rvxLmsState *statePtr)
 void rvxdLmsInit(int lmsType, const double *tapVals, int tapsLen, const double *dlyVals, float step,
                  float leak, int errDly, rvxLmsState *statePtr)
 {
-    RVX_REJECT_IF(statePtr == nullptr, "Null buffer pointer");
-    RVX_REJECT_IF(tapsLen < 1, "Invalid buffer length");
-    const rvxLmsTapState given = tapsOf(lmsType, tapsLen, step, leak, errDly, 1, 0);
-    if (!makeState<double, double>(given, 0, statePtr)) {
-        RVX_REPORT(RVX_STATUS_NO_MEMORY, "Problem to allocate memory");
-        return;
-    }
-    rvxdLmsSetTaps(tapVals, statePtr);
-    rvxdLmsSetDlyl(dlyVals, statePtr);
+    initFilter(__func__, tapsOf(lmsType, tapsLen, step, leak, errDly, 1, 0), 0, tapVals, dlyVals,
+               statePtr);
 }
 
 void rvxdLmsInitMr(int lmsType, const double *tapVals, int tapsLen, const double *dlyVals,
                    float step, float leak, int errDly, int downFactor, int downPhase,
                    rvxLmsState *statePtr)
 {
-    RVX_REJECT_IF(statePtr == nullptr, "Null buffer pointer");
-    RVX_REJECT_IF(tapsLen < 1, "Invalid buffer length");
-    RVX_REJECT_IF(downPhase < 0, "Invalid phase value");
-    RVX_REJECT_IF(downFactor <= downPhase, "Invalid factor value");
-    const rvxLmsTapState given =
-        tapsOf(lmsType, tapsLen, step, leak, errDly, downFactor, downPhase);
-    if (!makeState<double, double>(given, downFactor, statePtr)) {
-        RVX_REPORT(RVX_STATUS_NO_MEMORY, "Problem to allocate memory");
-        return;
-    }
-    rvxdLmsSetTaps(tapVals, statePtr);
-    rvxdLmsSetDlyl(dlyVals, statePtr);
+    initFilter(__func__, tapsOf(lmsType, tapsLen, step, leak, errDly, downFactor, downPhase),
+               downFactor, tapVals, dlyVals, statePtr);
 }
 
 void rvxzLmsInit(int lmsType, const ZCplx *tapVals, int tapsLen, const ZCplx *dlyVals, float step,
                  float leak, int errDly, rvxLmsState *statePtr)
 {
-    RVX_REJECT_IF(statePtr == nullptr, "Null buffer pointer");
-    RVX_REJECT_IF(tapsLen < 1, "Invalid buffer length");
-    const rvxLmsTapState given = tapsOf(lmsType, tapsLen, step, leak, errDly, 1, 0);
-    if (!makeState<ZCplx, ZCplx>(given, 0, statePtr)) {
-        RVX_REPORT(RVX_STATUS_NO_MEMORY, "Problem to allocate memory");
-        return;
-    }
-    rvxzLmsSetTaps(tapVals, statePtr);
-    rvxzLmsSetDlyl(dlyVals, statePtr);
+    initFilter(__func__, tapsOf(lmsType, tapsLen, step, leak, errDly, 1, 0), 0, tapVals, dlyVals,
+               statePtr);
 }
 
 void rvxzLmsInitMr(int lmsType, const ZCplx *tapVals, int tapsLen, const ZCplx *dlyVals, float step,
                    float leak, int errDly, int downFactor, int downPhase, rvxLmsState *statePtr)
 {
-    RVX_REJECT_IF(statePtr == nullptr, "Null buffer pointer");
-    RVX_REJECT_IF(tapsLen < 1, "Invalid buffer length");
-    RVX_REJECT_IF(downPhase < 0, "Invalid phase value");
-    RVX_REJECT_IF(downFactor <= downPhase, "Invalid factor value");
-    const rvxLmsTapState given =
-        tapsOf(lmsType, tapsLen, step, leak, errDly, downFactor, downPhase);
-    if (!makeState<ZCplx, ZCplx>(given, downFactor, statePtr)) {
-        RVX_REPORT(RVX_STATUS_NO_MEMORY, "Problem to allocate memory");
-        return;
-    }
-    rvxzLmsSetTaps(tapVals, statePtr);
-    rvxzLmsSetDlyl(dlyVals, statePtr);
+    initFilter(__func__, tapsOf(lmsType, tapsLen, step, leak, errDly, downFactor, downPhase),
+               downFactor, tapVals, dlyVals, statePtr);
 }
 
 void rvxdzLmsInit(int lmsType, const ZCplx *tapVals, int tapsLen, const double *dlyVals, float step,
                   float leak, int errDly, rvxLmsState *statePtr)
 {
-    RVX_REJECT_IF(statePtr == nullptr, "Null buffer pointer");
-    RVX_REJECT_IF(tapsLen < 1, "Invalid buffer length");
-    const rvxLmsTapState given = tapsOf(lmsType, tapsLen, step, leak, errDly, 1, 0);
-    if (!makeState<ZCplx, double>(given, 0, statePtr)) {
-        RVX_REPORT(RVX_STATUS_NO_MEMORY, "Problem to allocate memory");
-        return;
-    }
-    rvxzLmsSetTaps(tapVals, statePtr);
-    rvxdLmsSetDlyl(dlyVals, statePtr);
+    initFilter(__func__, tapsOf(lmsType, tapsLen, step, leak, errDly, 1, 0), 0, tapVals, dlyVals,
+               statePtr);
 }
 
 void rvxdzLmsInitMr(int lmsType, const ZCplx *tapVals, int tapsLen, const double *dlyVals,
                     float step, float leak, int errDly, int downFactor, int downPhase,
                     rvxLmsState *statePtr)
 {
-    RVX_REJECT_IF(statePtr == nullptr, "Null buffer pointer");
-    RVX_REJECT_IF(tapsLen < 1, "Invalid buffer length");
-    RVX_REJECT_IF(downPhase < 0, "Invalid phase value");
-    RVX_REJECT_IF(downFactor <= downPhase, "Invalid factor value");
-    const rvxLmsTapState given =
-        tapsOf(lmsType, tapsLen, step, leak, errDly, downFactor, downPhase);
-    if (!makeState<ZCplx, double>(given, downFactor, statePtr)) {
-        RVX_REPORT(RVX_STATUS_NO_MEMORY, "Problem to allocate memory");
-        return;
-    }
-    rvxzLmsSetTaps(tapVals, statePtr);
-    rvxdLmsSetDlyl(dlyVals, statePtr);
+    initFilter(__func__, tapsOf(lmsType, tapsLen, step, leak, errDly, downFactor, downPhase),
+               downFactor, tapVals, dlyVals, statePtr);
 }
 
 double rvxdLms(rvxLmsState *statePtr, double sample, double err)
