@@ -224,6 +224,12 @@ RVX_INLINE Lanes negateEven(Lanes a)
     return {(RvxVector)((RvxBits)a.v ^ RvxBits{INT64_MIN, 0, INT64_MIN, 0})};
 }
 
+// (a0, -a1, a2, -a3): both values conjugated
+RVX_INLINE Lanes conjugated(Lanes a)
+{
+    return {(RvxVector)((RvxBits)a.v ^ RvxBits{0, INT64_MIN, 0, INT64_MIN})};
+}
+
 RVX_INLINE Lanes absLanes(Lanes a)
 {
     return maskBits(a, INT64_MAX);

@@ -334,18 +334,23 @@ const ZCplx *rvxzGetFftTwdTbl(int order)
         RVX_REPORT(RVX_STATUS_BAD_ARGUMENT, "order<0");
     if (order > 31)
         RVX_REPORT(RVX_STATUS_BAD_ARGUMENT, "order>31");
-    rvxThreadContext *context = rvxGetThreadContext();
-    if (context->errStatus < 0 || !orderInRange(order))
+    if (rvxGetThreadContext()->errStatus < 0 || !orderInRange(order))
         return nullptr;
-    ZCplx *&slot = context->twdTable[order];
+    const ZCplx *tbl = rvxFindFftTwdTbl(order);
+    if (tbl == nullptr)
+        RVX_REPORT(RVX_STATUS_NO_MEMORY, "NULL Pointer");
+    return tbl;
+}
+
+const ZCplx *rvxFindFftTwdTbl(int order)
+{
+    if (!orderInRange(order))
+        return nullptr;
+    ZCplx *&slot = rvxGetThreadContext()->twdTable[order];
     if (slot == nullptr) {
-        ZCplx *tbl = rvxAllocZCplx(std::uint32_t{1} << order);
-        if (tbl == nullptr) {
-            RVX_REPORT(RVX_STATUS_NO_MEMORY, "NULL Pointer");
-            return nullptr;
-        }
-        rvxzCalcFftTwdTbl(tbl, order);
-        slot = tbl;
+        slot = rvxAllocZCplx(std::uint32_t{1} << order);
+        if (slot != nullptr)
+            rvxzCalcFftTwdTbl(slot, order);
     }
     return slot;
 }

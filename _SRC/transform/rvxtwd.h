@@ -35,6 +35,9 @@ void rvxFreeTwdTables();
 // W(N,k) for the full circle, N values, cached; the stored status decides too: a
 // negative one gives null. Reports a bad order and missing memory.
 const ZCplx *rvxzGetFftTwdTbl(int order);
+// The same for callers that go another way without it: null without a report, and
+// the stored status does not matter.
+const ZCplx *rvxFindFftTwdTbl(int order);
 void rvxzCalcFftTwdTbl(ZCplx *tbl, int order);
 
 #endif
