@@ -1,9 +1,9 @@
 // rvxmisc: bit-reversed order, as a table, as a swap list, and applied to an
 // array.
 //
-// Both tables come from one counter that runs in reversed order: where a counter
+// The list comes from a counter that runs in reversed order: where a counter
 // carries upward from the lowest bit, the reversed one carries downward from the
-// highest.
+// highest. The table doubles: a bit more at one end is a bit more at the other.
 
 #include "transform/rvxmisc.h"
 
@@ -69,15 +69,9 @@ void rvxCalcBitRevTbl(std::uint32_t *tbl, int order)
     RVX_REJECT_IF(tbl == nullptr, "tbl==0");
     const std::uint32_t n = std::uint32_t{1} << order;
     tbl[0] = 0;
-    tbl[n - 1] = n - 1;
-    std::uint32_t j = 0;
-    for (std::uint32_t i = 1; i < n - 1; ++i) {
-        j = nextReversed(j, n >> 1);
-        if (i <= j) {
-            tbl[i] = j;
-            tbl[j] = i;
-        }
-    }
+    for (std::uint32_t len = 1; len < n; len *= 2)
+        for (std::uint32_t i = 0; i < len; ++i)
+            tbl[len + i] = tbl[i] + n / (2 * len);
 }
 
 const std::uint32_t *rvxGetBitRevTbl(int order)

@@ -1,12 +1,11 @@
 // rvxtwd: the tables of roots of unity that the Fourier transforms run on.
 //
-// Every entry is picked from one quarter wave of the sine, computed in extended
-// precision and rounded once, so that equal angles have equal values in all
-// tables. (The full-circle table alone is computed entry by entry.)
+// Every entry is picked from one quarter wave of the sine, so that equal angles
+// have equal values in all tables. (The full-circle table alone has entries that
+// are computed each by itself.)
 
 #include "transform/rvxtwd.h"
 
-#include <cmath>
 #include <cstdint>
 
 #include "frame/rvxbuffer.h"
@@ -15,32 +14,24 @@
 #include "frame/rvxthread.h"
 #include "transform/rvxfftd_plan.h"
 #include "transform/rvxmisc.h"
+#include "transform/rvxtwd_circle.h"
 
 RVX_MODULE("rvxtwd")
 
 namespace {
-
-constexpr double RVX_TWO_PI = 6.283185307179586;
 
 bool orderInRange(int order)
 {
     return order >= 0 && order < RVX_ORDERS;
 }
 
-// S[i] = sin(2 pi i / N) for 0 <= i <= N/4. The second half comes from the
-// cosine of the complement, where that is the more accurate one; so S[N/4] is 1.
+// S[i] = sin(2 pi i / N) for 0 <= i <= N/4. Null when there is no memory.
 double *rvxCalcSineQuarter(int order)
 {
-    const std::int64_t n = std::int64_t{1} << order;
-    const std::int64_t quarter = n / 4;
+    const std::int64_t quarter = (std::int64_t{1} << order) / 4;
     double *sine = rvxAllocDoubles(static_cast<std::uint32_t>(quarter + 1));
-    if (sine == nullptr)
-        return nullptr;
-    const Extended step = RVX_TWO_PI / static_cast<double>(n);
-    for (std::int64_t i = 0; i <= n / 8; ++i)
-        sine[i] = static_cast<double>(std::sin(static_cast<Extended>(i) * step));
-    for (std::int64_t i = n / 8 + 1; i <= quarter; ++i)
-        sine[i] = static_cast<double>(std::cos(static_cast<Extended>(quarter - i) * step));
+    if (sine != nullptr)
+        rvxFillSineQuarter(sine, order);
     return sine;
 }
 
@@ -360,10 +351,5 @@ void rvxzCalcFftTwdTbl(ZCplx *tbl, int order)
     RVX_REJECT_IF(order < 0, "order<0");
     RVX_REJECT_IF(order > 31, "order>31");
     RVX_REJECT_IF(tbl == nullptr, "tbl==0");
-    const std::int64_t n = std::int64_t{1} << order;
-    const Extended step = RVX_TWO_PI / static_cast<double>(n);
-    for (std::int64_t k = 0; k < n; ++k) {
-        const Extended angle = static_cast<Extended>(k) * step;
-        tbl[k] = {static_cast<double>(std::cos(angle)), -static_cast<double>(std::sin(angle))};
-    }
+    rvxFillCircle(tbl, order);
 }
