@@ -5,34 +5,24 @@
 
 #include <algorithm>
 #include <cmath>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "rvx.h"
 #include "support/recording.h"
 #include "support/section.h"
+#include "support/spectrum.h"
+#include "support/status.h"
 
 namespace {
+
+using demo::decibels;
+using demo::requireSuccess;
 
 constexpr int order = 8;               // of the transform
 constexpr int frameLen = 1 << order;   // samples in a frame
 constexpr int hop = frameLen / 4;      // from the start of a frame to that of the next
 constexpr int bins = frameLen / 2 + 1; // from zero to half the sampling rate
-
-// Decibels of an amplitude; full scale is 0.
-double decibels(double amplitude)
-{
-    return 20.0 * std::log10(amplitude);
-}
-
-// Failed calls return, and leave a status behind that stays until it is cleared:
-// one look after a group of calls is enough.
-void requireSuccess(const char *task)
-{
-    if (rvxGetErrStatus() != RVX_STATUS_OK)
-        throw std::runtime_error(std::string(task) + ": " + rvxErrorStr(rvxGetErrStatus()));
-}
 
 void describeLevel(const demo::Recording &voice, demo::Section &section)
 {
