@@ -11,6 +11,7 @@
 #include "support/fir_families.h"
 #include "support/guarded.h"
 #include "support/reports.h"
+#include "support/walled.h"
 
 namespace {
 
@@ -197,6 +198,101 @@ TYPED_TEST(Fir, WindowGoesBackAtTheEndOfTheBuffer)
     }
 }
 
+// Up to `limit`, small numbers more often than large ones.
+int upTo(int limit, Noise &noise)
+{
+    return 1 + noise.below(1 + noise.below(limit));
+}
+
+FirRates ratesAtRandom(Noise &noise)
+{
+    FirRates rates;
+    if (noise.below(3) == 0)
+        return rates;
+    rates.up = noise.below(3) == 0 ? 1 : upTo(noise.below(8) == 0 ? 200 : 9, noise);
+    rates.down = upTo(noise.below(8) == 0 ? 200 : 9, noise);
+    rates.upPhase = noise.below(rates.up);
+    rates.downPhase = noise.below(rates.down);
+    return rates;
+}
+
+// Puts some of the values in that sums treat in a way of their own.
+template <typename Element>
+void sprinkle(std::vector<Element> &block, Noise &noise)
+{
+    constexpr double special[] = {INF, -INF, QUIET, 0.0, -0.0, 0x1p-1074, 0x1.8p-1022, 0x1p1023};
+    constexpr int parts = sizeof(Element) / sizeof(double);
+    auto *doubles = reinterpret_cast<double *>(block.data());
+    for (std::size_t i = 0; i < block.size() * parts; ++i)
+        if (noise.below(12) == 0)
+            doubles[i] = special[noise.below(8)];
+}
+
+// One call of either kind, between walls; appends its outputs.
+template <typename Family>
+void runPart(Filter<Family> &filter, const std::vector<typename Family::Sample> &in, bool byOne,
+             Wall wall, std::vector<typename Family::Out> &out)
+{
+    using Out = typename Family::Out;
+    if (byOne) {
+        for (const auto &x : in)
+            out.push_back(Family::one(&filter.state, x));
+        return;
+    }
+    const int steps = static_cast<int>(in.size()) / filter.rates.down;
+    const auto places = static_cast<std::size_t>(steps * filter.rates.up);
+    Walled<typename Family::Sample> source(in, wall);
+    Walled<Out> result(std::vector<Out>(places), wall);
+    Family::block(&filter.state, source.data(), result.data(), steps);
+    EXPECT_EQ(firstDifference(source.values(), in), -1) << "the input has changed";
+    EXPECT_EQ(filter.state.dlylCur, filter.state.dlylBase);
+    const auto values = result.values();
+    out.insert(out.end(), values.begin(), values.end());
+}
+
+// Lengths, rates, phases, values and cuts at random, on a record that had a filter of
+// another family before. After each call the past is that of the signal so far.
+TYPED_TEST(Fir, AnyFilterInAnyCutsIsTheFormula)
+{
+    using Sample = typename TypeParam::Sample;
+    Noise dice{3};
+    for (int trial = 0; trial < 300; ++trial) {
+        const FirRates rates = ratesAtRandom(dice);
+        const int tapsLen = upTo(trial % 10 == 0 ? 900 : 150, dice);
+        Filter<TypeParam> filter(tapsLen, rates, dice);
+        const int steps = std::min(500, 1 + 60000 / (tapsLen * rates.up));
+        auto in = dice.template block<Sample>(steps * rates.down);
+        if (trial % 4 == 0) {
+            sprinkle(filter.taps, dice);
+            sprinkle(filter.past, dice);
+            sprinkle(in, dice);
+        }
+        if (trial % 2 == 0)
+            rvxzFirInitMr(nullptr, 5, nullptr, 2, 1, 3, 2, &filter.state);
+        else
+            rvxdFirInit(nullptr, 70, nullptr, &filter.state);
+        filter.restart();
+
+        std::vector<typename TypeParam::Out> out;
+        const bool isSingle = rates.up == 1 && rates.down == 1;
+        for (int from = 0; from < steps;) {
+            const int past = std::min(steps, from + upTo(trial % 3 == 0 ? 5 : steps, dice));
+            const auto at = in.begin();
+            runPart(filter, {at + from * rates.down, at + past * rates.down},
+                    isSingle && dice.below(2) == 0,
+                    dice.below(2) == 0 ? Wall::before : Wall::behind, out);
+            ASSERT_EQ(
+                firstDifference(filter.window(), filter.pastAfter({at, at + past * rates.down})),
+                -1)
+                << "trial " << trial;
+            from = past;
+        }
+        ASSERT_EQ(firstDifference(out, filter.expected(in)), -1)
+            << "trial " << trial << ": " << tapsLen << " taps, " << rates.up << "/" << rates.down;
+    }
+    EXPECT_TRUE(this->reports.take().empty());
+}
+
 // The error of a sum of n products, each rounded and added in a row, is at most
 // n units of 2^-53 times the sum of the products' sizes; a complex product has two
 // more roundings. Twice that would be a wrong sum.
@@ -364,17 +460,21 @@ TEST(FirExamples, DownPhaseSaysWhichSampleIsTheNewest)
 
 TYPED_TEST(Fir, StaleStatusPlaysNoPart)
 {
-    Filter<TypeParam> filter(9, {}, this->noise);
-    const auto in = this->noise.template block<typename TypeParam::Sample>(50);
-    const auto expected = filter.expected(in);
-    rvxSetErrStatus(RVX_STATUS_NO_MEMORY);
-    filter.restart();
-    EXPECT_EQ(firstDifference(this->runBlock(filter, in), expected), -1);
-    filter.restart();
-    EXPECT_TRUE(same(TypeParam::one(&filter.state, in[0]), expected[0]));
-    rvxFirFree(&filter.state);
-    EXPECT_EQ(rvxGetErrStatus(), RVX_STATUS_NO_MEMORY);
-    EXPECT_TRUE(this->reports.take().empty());
+    for (const FirRates &rates : {FirRates{}, FirRates{2, 1, 3, 2}}) {
+        Filter<TypeParam> filter(9, rates, this->noise);
+        const auto in = this->noise.template block<typename TypeParam::Sample>(60);
+        const auto expected = filter.expected(in);
+        rvxSetErrStatus(RVX_STATUS_NO_MEMORY);
+        filter.restart();
+        EXPECT_EQ(firstDifference(this->runBlock(filter, in), expected), -1);
+        if (filter.state.isMultiRate == 0) {
+            TypeParam::init(filter.taps.data(), 9, filter.past.data(), &filter.state);
+            EXPECT_TRUE(same(TypeParam::one(&filter.state, in[0]), expected[0]));
+        }
+        rvxFirFree(&filter.state);
+        EXPECT_EQ(rvxGetErrStatus(), RVX_STATUS_NO_MEMORY);
+        EXPECT_TRUE(this->reports.take().empty());
+    }
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-// FIR filters: their records, checks and memory.
+// FIR filters: their checks, memory and lives.
 
 #include <climits>
 #include <cstdlib>
@@ -16,93 +16,6 @@
 
 namespace {
 
-using Row = std::vector<int>;
-
-std::vector<Row> rowsOf(const rvxFirState &state)
-{
-    std::vector<Row> rows;
-    for (int i = 0; i < state.upFactor; ++i) {
-        const rvxFirPhaseRow &row = state.phaseTable[i];
-        rows.push_back({row.phase, row.numTaps, row.dlyOffset, row.tapOffset});
-    }
-    return rows;
-}
-
-template <typename Element>
-std::vector<Element> taken(const void *from, int n)
-{
-    const Element *first = static_cast<const Element *>(from);
-    return std::vector<Element>(first, first + n);
-}
-
-// Elements that tell where they came from.
-template <typename Element>
-Element numbered(int i)
-{
-    Element element = {};
-    *reinterpret_cast<double *>(&element) = 1.0 + i;
-    return element;
-}
-
-template <typename Element>
-std::vector<Element> numberedBlock(int n)
-{
-    std::vector<Element> block;
-    for (int i = 0; i < n; ++i)
-        block.push_back(numbered<Element>(i));
-    return block;
-}
-
-template <typename Element>
-bool sameBytes(const std::vector<Element> &a, const std::vector<Element> &b)
-{
-    return a.size() == b.size() &&
-           (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(Element)) == 0);
-}
-
-TEST(FirPhaseTable, Examples)
-{
-    rvxFirState state = {};
-    rvxdFirInitMr(nullptr, 4, nullptr, 2, 0, 1, 0, &state);
-    EXPECT_EQ(rowsOf(state), (std::vector<Row>{{0, 2, 1, 0}, {1, 2, 1, 2}}));
-    rvxdFirInitMr(nullptr, 4, nullptr, 1, 0, 2, 0, &state);
-    EXPECT_EQ(rowsOf(state), (std::vector<Row>{{0, 4, 1, 0}}));
-    rvxdFirInitMr(nullptr, 7, nullptr, 3, 1, 2, 1, &state);
-    EXPECT_EQ(rowsOf(state), (std::vector<Row>{{0, 3, 1, 0}, {2, 2, 2, 5}, {1, 2, 3, 3}}));
-    rvxFirFree(&state);
-}
-
-// The table counted out: times walk one by one instead of by remainders.
-TEST(FirPhaseTable, AgreesWithCounting)
-{
-    rvxFirState state = {};
-    for (int up = 1; up <= 6; ++up)
-        for (int down = up == 1 ? 2 : 1; down <= 6; ++down)
-            for (int upPhase = 0; upPhase < up; ++upPhase)
-                for (int downPhase = 0; downPhase < down; ++downPhase)
-                    for (int tapsLen = 1; tapsLen <= 14; ++tapsLen) {
-                        rvxdFirInitMr(nullptr, tapsLen, nullptr, up, upPhase, down, downPhase,
-                                      &state);
-                        std::vector<Row> expected;
-                        for (int i = 0; i < up; ++i) {
-                            int count = 0, time = i * down + downPhase;
-                            for (; time >= upPhase; time -= up)
-                                ++count;
-                            const int p = time - upPhase + up == up ? 0 : time - upPhase + up;
-                            int numTaps = 0, tapOffset = 0;
-                            for (int j = 0; j < tapsLen; ++j) {
-                                numTaps += j % up == p ? 1 : 0;
-                                tapOffset += j % up < p ? 1 : 0;
-                            }
-                            const bool shorter = numTaps < (tapsLen + up - 1) / up;
-                            expected.push_back({p, numTaps, count + (shorter ? 1 : 0), tapOffset});
-                        }
-                        ASSERT_EQ(rowsOf(state), expected) << up << " " << upPhase << " " << down
-                                                           << " " << downPhase << " " << tapsLen;
-                    }
-    rvxFirFree(&state);
-}
-
 template <typename Family>
 class FirState : public ::testing::Test {
 protected:
@@ -116,97 +29,6 @@ protected:
 };
 
 TYPED_TEST_SUITE(FirState, AllFamilies, FamilyNames);
-
-TYPED_TEST(FirState, SingleRateFields)
-{
-    using Tap = typename TypeParam::Tap;
-    using Sample = typename TypeParam::Sample;
-    for (int tapsLen : {1, 2, 3, 4, 7, 63, 64, 65, 66, 200}) {
-        rvxFirState state;
-        std::memset(&state, 0xa5, sizeof state);
-        const auto taps = numberedBlock<Tap>(tapsLen);
-        const auto past = numberedBlock<Sample>(tapsLen - 1);
-        TypeParam::init(taps.data(), tapsLen, past.data(), &state);
-        EXPECT_EQ(state.upFactor, 1);
-        EXPECT_EQ(state.upPhase, 0);
-        EXPECT_EQ(state.downFactor, 1);
-        EXPECT_EQ(state.downPhase, 0);
-        EXPECT_EQ(state.isMultiRate, 0);
-        EXPECT_EQ(state.self, &state);
-        EXPECT_EQ(state.tapsLen, tapsLen);
-        EXPECT_EQ(state.tapsBlockLen, tapsLen - tapsLen % TypeParam::tapsBlock);
-        EXPECT_EQ(state.dlylLen, tapsLen - 1);
-        EXPECT_EQ(state.bufLen, tapsLen <= 64 ? 64 : tapsLen);
-        EXPECT_EQ(state.phaseTable, nullptr);
-        EXPECT_EQ(state.dlylCur, state.dlylBase);
-        EXPECT_EQ(state.dlylEnd, static_cast<Sample *>(state.dlylBase) + state.bufLen);
-        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(state.taps) % 32, 0u);
-        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(state.dlylBase) % 32, 0u);
-        const std::vector<Tap> reversed(taps.rbegin(), taps.rend());
-        EXPECT_TRUE(sameBytes(taken<Tap>(state.taps, tapsLen), reversed));
-        EXPECT_TRUE(sameBytes(taken<Sample>(state.dlylCur, tapsLen - 1), past));
-        rvxFirFree(&state);
-    }
-    EXPECT_TRUE(this->reports.take().empty());
-}
-
-TYPED_TEST(FirState, FactorsOfOneAreSingleRate)
-{
-    rvxFirState state = {};
-    TypeParam::initMr(nullptr, 8, nullptr, 1, 0, 1, 0, &state);
-    EXPECT_EQ(state.isMultiRate, 0);
-    EXPECT_EQ(state.dlylLen, 7);
-    EXPECT_EQ(state.phaseTable, nullptr);
-    TypeParam::initMr(nullptr, 8, nullptr, 1, 0, 2, 1, &state);
-    EXPECT_EQ(state.isMultiRate, 1);
-    EXPECT_EQ(state.dlylLen, 8);
-    EXPECT_EQ(state.downPhase, 1);
-    EXPECT_EQ(state.bufLen, 64);
-    rvxFirFree(&state);
-}
-
-TYPED_TEST(FirState, MultiRateFields)
-{
-    using Tap = typename TypeParam::Tap;
-    using Sample = typename TypeParam::Sample;
-    const auto taps = numberedBlock<Tap>(8);
-    const auto past = numberedBlock<Sample>(3);
-    rvxFirState state = {};
-    TypeParam::initMr(taps.data(), 8, past.data(), 3, 2, 5, 4, &state);
-    EXPECT_EQ(state.upFactor, 3);
-    EXPECT_EQ(state.upPhase, 2);
-    EXPECT_EQ(state.downFactor, 5);
-    EXPECT_EQ(state.downPhase, 4);
-    EXPECT_EQ(state.isMultiRate, 1);
-    EXPECT_EQ(state.tapsBlockLen, 8);
-    EXPECT_EQ(state.dlylLen, 3);
-    EXPECT_EQ(state.bufLen, 65); // 63 in whole steps of 5
-    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(state.phaseTable) % 32, 0u);
-    // h[6] h[3] h[0], h[7] h[4] h[1], h[5] h[2]
-    std::vector<Tap> stored;
-    for (int i : {6, 3, 0, 7, 4, 1, 5, 2})
-        stored.push_back(numbered<Tap>(i));
-    EXPECT_TRUE(sameBytes(taken<Tap>(state.taps, 8), stored));
-    EXPECT_TRUE(sameBytes(taken<Sample>(state.dlylCur, 3), past));
-    TypeParam::initMr(nullptr, 600, nullptr, 3, 0, 7, 0, &state);
-    EXPECT_EQ(state.dlylLen, 200);
-    EXPECT_EQ(state.bufLen, 203);
-    rvxFirFree(&state);
-}
-
-TYPED_TEST(FirState, NullValuesAreZeros)
-{
-    using Tap = typename TypeParam::Tap;
-    using Sample = typename TypeParam::Sample;
-    rvxFirState state = {};
-    for (int up : {1, 3}) {
-        TypeParam::initMr(nullptr, 70, nullptr, up, 0, 1, 0, &state);
-        EXPECT_TRUE(sameBytes(taken<Tap>(state.taps, 70), std::vector<Tap>(70, Tap{})));
-        EXPECT_TRUE(sameBytes(taken<Sample>(state.dlylCur, state.dlylLen),
-                              std::vector<Sample>(static_cast<std::size_t>(state.dlylLen))));
-    }
-    rvxFirFree(&state);
-}
 
 TYPED_TEST(FirState, SingleRateChecksInOrder)
 {
@@ -249,9 +71,11 @@ TYPED_TEST(FirState, OneSampleChecksInOrder)
     EXPECT_EQ(std::memcmp(&out, &zero, sizeof out), 0);
     rvxFirState state;
     std::memset(&state, 0xa5, sizeof state);
+    const rvxFirState before = state;
     out = TypeParam::one(&state, {});
     EXPECT_EQ(this->reports.take(), this->refused(name, "Must have been initialized"));
     EXPECT_EQ(std::memcmp(&out, &zero, sizeof out), 0);
+    EXPECT_EQ(std::memcmp(&state, &before, sizeof state), 0);
 }
 
 TYPED_TEST(FirState, BlockChecksInOrder)
@@ -270,6 +94,8 @@ TYPED_TEST(FirState, BlockChecksInOrder)
     EXPECT_EQ(this->reports.take(), this->refused(name, "Must have been initialized"));
 
     Filter<TypeParam> filter(3, {}, this->noise);
+    TypeParam::one(&filter.state, in[0]); // off the start of the buffer
+    const rvxFirState live = filter.state;
     const auto window = filter.window();
     TypeParam::block(&filter.state, nullptr, out.data(), 4);
     EXPECT_EQ(this->reports.take(), this->refused(name, "Null buffer pointer"));
@@ -278,12 +104,15 @@ TYPED_TEST(FirState, BlockChecksInOrder)
     // A null pointer is seen before the length.
     TypeParam::block(&filter.state, nullptr, out.data(), 0);
     EXPECT_EQ(this->reports.take(), this->refused(name, "Null buffer pointer"));
+    TypeParam::block(&filter.state, in, nullptr, 0);
+    EXPECT_EQ(this->reports.take(), this->refused(name, "Null buffer pointer"));
     for (int n : {0, -1, INT_MIN}) {
         TypeParam::block(&filter.state, in, out.data(), n);
         EXPECT_EQ(this->reports.take(), this->refused(name, "Invalid value"));
     }
     EXPECT_TRUE(sameBytes(out.values(), before));
     EXPECT_TRUE(sameBytes(filter.window(), window));
+    EXPECT_EQ(std::memcmp(&filter.state, &live, sizeof live), 0);
 }
 
 TEST(FirFree, ChecksUnderItsOddName)
@@ -329,36 +158,6 @@ TEST(FirFree, CopyOfARecordIsNotLive)
     EXPECT_TRUE(reports.take().empty());
 }
 
-TEST(FirStores, ChecksInOrder)
-{
-    Reports reports;
-    rvxFirState dead;
-    std::memset(&dead, 0xa5, sizeof dead);
-    const rvxFirState before = dead;
-    const double x[4] = {};
-    const ZCplx z[4] = {};
-    const auto expect = [&](const char *func, const char *context) {
-        EXPECT_EQ(reports.take(), badArgument(func, context, "rvxfirh"));
-    };
-    rvxdFirSetTaps(x, nullptr);
-    expect("rvxdFirSetTaps", "Null state pointer");
-    rvxdFirSetTaps(x, &dead);
-    expect("rvxdFirSetTaps", "Must have been initialized");
-    rvxzFirSetTaps(z, nullptr);
-    expect("rvxzFirSetTaps", "Null state pointer");
-    rvxzFirSetTaps(z, &dead);
-    expect("rvxzFirSetTaps", "Must have been initialized");
-    rvxdFirSetDlyl(x, nullptr);
-    expect("rvxdFirSetDlyl", "Null state pointer");
-    rvxdFirSetDlyl(x, &dead);
-    expect("rvxdFirSetDlyl", "Must have been initialized");
-    rvxzFirSetDlyl(z, nullptr);
-    expect("rvxzFirSetDlyl", "Null state pointer");
-    rvxzFirSetDlyl(z, &dead);
-    expect("rvxzFirSetDlyl", "Must have been initialized");
-    EXPECT_EQ(std::memcmp(&dead, &before, sizeof dead), 0);
-}
-
 TYPED_TEST(FirState, LiveStateIsReleasedByAnyInitialiser)
 {
     AllocationWatch watch;
@@ -375,16 +174,23 @@ TYPED_TEST(FirState, LiveStateIsReleasedByAnyInitialiser)
 
 TYPED_TEST(FirState, RefusedInitialiserLeavesTheLiveFilterWorking)
 {
-    Filter<TypeParam> filter(9, {2, 1, 3, 2}, this->noise);
-    rvxFirState before = filter.state;
-    TypeParam::init(nullptr, 0, nullptr, &filter.state);
-    TypeParam::initMr(nullptr, 4, nullptr, 2, 2, 1, 0, &filter.state);
-    EXPECT_EQ(this->reports.take().size(), 2u);
-    EXPECT_EQ(std::memcmp(&filter.state, &before, sizeof before), 0);
-    const auto in = this->noise.template block<typename TypeParam::Sample>(30);
-    std::vector<typename TypeParam::Out> out(20);
-    TypeParam::block(&filter.state, in.data(), out.data(), 10);
-    EXPECT_TRUE(sameBytes(out, filter.expected(in)));
+    for (const reference::FirRates &rates :
+         {reference::FirRates{}, reference::FirRates{2, 1, 3, 2}}) {
+        Filter<TypeParam> filter(9, rates, this->noise);
+        const rvxFirState before = filter.state;
+        TypeParam::init(nullptr, 0, nullptr, &filter.state);
+        const int bad[][5] = {{4, 0, 0, 1, 0},  {4, 1, 0, 0, 0}, {4, 2, 2, 1, 0}, {4, 2, -1, 1, 0},
+                              {4, 1, 0, 2, -1}, {4, 1, 0, 2, 2}, {0, 2, 1, 2, 1}};
+        for (const int *a : bad)
+            TypeParam::initMr(nullptr, a[0], nullptr, a[1], a[2], a[3], a[4], &filter.state);
+        EXPECT_EQ(this->reports.take().size(), 8u);
+        EXPECT_EQ(std::memcmp(&filter.state, &before, sizeof before), 0);
+        const auto in = this->noise.template block<typename TypeParam::Sample>(30);
+        const int steps = 30 / rates.down;
+        std::vector<typename TypeParam::Out> out(static_cast<std::size_t>(steps * rates.up));
+        TypeParam::block(&filter.state, in.data(), out.data(), steps);
+        EXPECT_TRUE(sameBytes(out, filter.expected(in)));
+    }
 }
 
 TYPED_TEST(FirState, EveryFailedAllocationIsReportedAndLeavesNothing)
@@ -413,6 +219,30 @@ TYPED_TEST(FirState, EveryFailedAllocationIsReportedAndLeavesNothing)
             EXPECT_EQ(this->reports.take(),
                       this->refused("rvxFirrvxFree", "Must have been initialized"));
         }
+    }
+}
+
+// What stands in a record that never was live is no pointer to release.
+TYPED_TEST(FirState, FailedAllocationsReleaseNothingOfAnUnknownRecord)
+{
+    const auto taps = this->noise.template block<typename TypeParam::Tap>(20);
+    for (long k = 1; k <= 3; ++k) {
+        rvxFirState state;
+        std::memset(&state, 0xa5, sizeof state);
+        {
+            AllocationWatch watch(k);
+            TypeParam::initMr(taps.data(), 20, nullptr, 2, 0, 3, 0, &state);
+            EXPECT_EQ(watch.failures(), 1) << k;
+            EXPECT_EQ(watch.live(), 0) << k;
+        }
+        EXPECT_EQ(rvxGetErrStatus(), RVX_STATUS_NO_MEMORY);
+        EXPECT_EQ(this->reports.take().size(), 1u);
+        EXPECT_EQ(state.self, nullptr);
+        // The record serves again as soon as there is memory.
+        TypeParam::init(taps.data(), 20, nullptr, &state);
+        EXPECT_EQ(state.self, &state);
+        EXPECT_TRUE(this->reports.take().empty());
+        rvxFirFree(&state);
     }
 }
 

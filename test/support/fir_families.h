@@ -1,8 +1,10 @@
-// The four families of FIR filters as types, so that a test is written once.
+// The four families of FIR filters as types, so that a test is written once, and what
+// tests of these filters share.
 
 #ifndef RVX_TEST_FIR_FAMILIES_H
 #define RVX_TEST_FIR_FAMILIES_H
 
+#include <cstring>
 #include <random>
 #include <string>
 #include <vector>
@@ -94,6 +96,21 @@ template <typename Family>
 std::string blockName()
 {
     return std::string("rvx") + Family::letters + "bFir";
+}
+
+// The elements that a record's pointer leads to.
+template <typename Element>
+std::vector<Element> taken(const void *from, int n)
+{
+    const Element *first = static_cast<const Element *>(from);
+    return std::vector<Element>(first, first + n);
+}
+
+template <typename Element>
+bool sameBytes(const std::vector<Element> &a, const std::vector<Element> &b)
+{
+    return a.size() == b.size() &&
+           (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(Element)) == 0);
 }
 
 // Random elements in [-1, 1).
