@@ -3,6 +3,7 @@
 #include <climits>
 #include <cmath>
 #include <limits>
+#include <random>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -13,6 +14,7 @@
 #include "support/blocks.h"
 #include "support/guarded.h"
 #include "support/reports.h"
+#include "support/walled.h"
 
 namespace {
 
@@ -99,10 +101,11 @@ TEST(MedianChecks, AStaleStatusPlaysNoPart)
 {
     Reports reports;
     rvxSetErrStatus(RVX_STATUS_NO_MEMORY);
-    double x[3] = {3.0, 9.0, 4.0};
-    rvxdbMedianFilter1(x, 3, 3);
-    EXPECT_EQ(x[1], 4.0);
+    const std::vector<double> x = makeBlock(Temper::uniform, 90, 1);
+    for (int masksize : {1, 3, 5, 7, 9, 31, 601})
+        expectMedians(x, masksize);
     EXPECT_EQ(rvxGetErrStatus(), RVX_STATUS_NO_MEMORY);
+    EXPECT_TRUE(reports.take().empty());
 }
 
 TEST(Median, EveryLengthAndMaskUpToTwenty)
@@ -149,6 +152,29 @@ TEST(Median, MasksFarWiderThanTheBlock)
     const std::vector<double> expected = reference::runningMedian(x, 100001);
     rvxdbMedianFilter1(x.data(), 6, INT_MAX);
     EXPECT_EQ(x, expected);
+}
+
+// Lengths and masks at random, between walls: one element read or written outside the
+// arrays ends the program.
+TEST(Median, AnyLengthAndMaskInsideTheArrays)
+{
+    std::mt19937 bits(17);
+    const auto upTo = [&bits](unsigned limit) { return 1 + static_cast<int>(bits() % limit); };
+    for (unsigned trial = 0; trial < 300; ++trial) {
+        const int len = upTo(trial % 20 == 0 ? 1200 : 200);
+        const int masksize = upTo(trial % 3 == 0 ? 700 : 60);
+        const Wall wall = trial % 2 == 0 ? Wall::before : Wall::behind;
+        const std::vector<double> x =
+            trial % 5 == 0 ? steps(len, trial) : makeBlock(Temper::uniform, len, trial);
+        const std::vector<double> expected = reference::runningMedian(x, masksize);
+        Walled<double> inPlace(x, wall), in(x, wall);
+        Walled<double> out(std::vector<double>(x.size()), wall);
+        rvxdbMedianFilter1(inPlace.data(), len, masksize);
+        rvxdbMedianFilter2(in.data(), out.data(), len, masksize);
+        EXPECT_TRUE(sameValues(inPlace.values(), expected)) << "len " << len << " " << masksize;
+        EXPECT_TRUE(sameValues(out.values(), expected)) << "len " << len << " " << masksize;
+        EXPECT_TRUE(sameValues(in.values(), x));
+    }
 }
 
 TEST(Median, KnownCases)

@@ -12,6 +12,7 @@
 #include "support/blocks.h"
 #include "support/guarded.h"
 #include "support/reports.h"
+#include "support/walled.h"
 
 namespace {
 
@@ -119,6 +120,22 @@ void expectDown(int n, int factor, int phase)
     EXPECT_TRUE(src.intact());
 }
 
+// Between walls: one element read or written outside the arrays ends the program.
+template <typename Sample>
+void expectInsideWalls(int n, int factor, int phase, Wall wall)
+{
+    const std::vector<Sample> x = signal<Sample>(n);
+    const std::vector<Sample> raised = spread(x, factor, phase), lowered = kept(x, factor, phase);
+    Walled<Sample> src(x, wall);
+    Walled<Sample> longer(std::vector<Sample>(raised.size()), wall);
+    Walled<Sample> shorter(std::vector<Sample>(lowered.size()), wall);
+    int dstLen = 0, carried = phase;
+    up(src.data(), n, longer.data(), &dstLen, factor, &carried);
+    EXPECT_TRUE(sameBits(longer.values(), raised)) << n << " by " << factor << " at " << phase;
+    down(src.data(), n, shorter.data(), &dstLen, factor, &carried);
+    EXPECT_TRUE(sameBits(shorter.values(), lowered)) << n << " by " << factor << " at " << phase;
+}
+
 template <typename Sample>
 void expectCutAnywhere()
 {
@@ -185,6 +202,31 @@ void expectChecks(const char *func, Sampler<Sample> sampler)
     EXPECT_EQ(rvxGetErrStatus(), RVX_STATUS_BAD_ARGUMENT);
 }
 
+// The arrays are far too short for the product: nothing may be touched.
+template <typename Sample>
+void expectTooLongRefused(const char *func, Sampler<Sample> sampler)
+{
+    Reports reports;
+    const Sample src[1] = {};
+    Sample dst[1];
+    std::memset(static_cast<void *>(dst), 0x55, sizeof dst);
+    const std::vector<Sample> before(dst, dst + 1);
+    int dstLen = 77;
+    const auto expect = [&](int factor, int phase, const char *context) {
+        const int given = phase;
+        sampler(src, 1 << 15, dst, &dstLen, factor, &phase);
+        EXPECT_EQ(reports.take(), badArgument(func, context, "rvxsampl"));
+        EXPECT_EQ(phase, given);
+    };
+    expect(1 << 16, 1, "Invalid src array length");
+    expect(INT_MAX, 1, "Invalid src array length");
+    // All other checks come first.
+    expect(INT_MAX, -1, "Invalid phase value");
+    expect(1 << 16, 1 << 16, "Invalid factor value");
+    EXPECT_EQ(dstLen, 77);
+    EXPECT_TRUE(sameBits(std::vector<Sample>(dst, dst + 1), before));
+}
+
 } // namespace
 
 TEST(SamplingChecks, EachInItsOrderAndNothingWritten)
@@ -201,26 +243,34 @@ TEST(SamplingChecks, EndTheProcessInModeZero)
                 ::testing::ExitedWithCode(1), "");
 }
 
-// The arrays are far too short for the product: nothing may be touched.
 TEST(SamplingChecks, ResultsBeyondAnIntAreRefused)
 {
+    expectTooLongRefused<double>("rvxdUpSample", rvxdUpSample);
+    expectTooLongRefused<ZCplx>("rvxzUpSample", rvxzUpSample);
+}
+
+TEST(SamplingChecks, AStaleStatusPlaysNoPart)
+{
     Reports reports;
-    const double real = 1.0;
-    const ZCplx cplx = {1.0, 2.0};
-    double realDst = 5.0;
-    ZCplx cplxDst = {5.0, 6.0};
-    int dstLen = 77, phase = 1;
-    for (int factor : {1 << 16, INT_MAX}) {
-        rvxdUpSample(&real, 1 << 15, &realDst, &dstLen, factor, &phase);
-        EXPECT_EQ(reports.take(),
-                  badArgument("rvxdUpSample", "Invalid src array length", "rvxsampl"));
-        rvxzUpSample(&cplx, 1 << 15, &cplxDst, &dstLen, factor, &phase);
-        EXPECT_EQ(reports.take(),
-                  badArgument("rvxzUpSample", "Invalid src array length", "rvxsampl"));
-    }
-    EXPECT_EQ(realDst, 5.0);
-    EXPECT_EQ(dstLen, 77);
-    EXPECT_EQ(phase, 1);
+    rvxSetErrStatus(RVX_STATUS_NO_MEMORY);
+    const std::vector<double> x = signal<double>(20);
+    const std::vector<ZCplx> z = signal<ZCplx>(20);
+    std::vector<double> y(60);
+    std::vector<ZCplx> w(60);
+    int dstLen = 0, phase = 1;
+    rvxdUpSample(x.data(), 20, y.data(), &dstLen, 3, &phase);
+    EXPECT_TRUE(sameBits(y, spread(x, 3, 1)));
+    rvxzUpSample(z.data(), 20, w.data(), &dstLen, 3, &phase);
+    EXPECT_TRUE(sameBits(w, spread(z, 3, 1)));
+    rvxdDownSample(x.data(), 20, y.data(), &dstLen, 3, &phase);
+    y.resize(static_cast<std::size_t>(dstLen));
+    EXPECT_TRUE(sameBits(y, kept(x, 3, 1)));
+    phase = 1;
+    rvxzDownSample(z.data(), 20, w.data(), &dstLen, 3, &phase);
+    w.resize(static_cast<std::size_t>(dstLen));
+    EXPECT_TRUE(sameBits(w, kept(z, 3, 1)));
+    EXPECT_EQ(rvxGetErrStatus(), RVX_STATUS_NO_MEMORY);
+    EXPECT_TRUE(reports.take().empty());
 }
 
 TEST(UpSampling, EveryLengthFactorAndPhase)
@@ -241,6 +291,17 @@ TEST(DownSampling, EveryLengthFactorAndPhase)
                 expectDown<double>(n, factor, phase);
                 expectDown<ZCplx>(n, factor, phase);
             }
+}
+
+TEST(Sampling, NothingOutsideTheArraysIsTouched)
+{
+    for (Wall wall : {Wall::before, Wall::behind})
+        for (int factor : {1, 2, 3, 4, 5, 8, 9, 50})
+            for (int phase = 0; phase < factor; phase += 1 + factor / 5)
+                for (int n = 1; n <= 40; ++n) {
+                    expectInsideWalls<double>(n, factor, phase, wall);
+                    expectInsideWalls<ZCplx>(n, factor, phase, wall);
+                }
 }
 
 TEST(DownSampling, AFactorBeyondTheBlockOnlyMovesThePhase)
