@@ -414,10 +414,13 @@ typedef struct rvxFirState {
                                    each reversed */
     int dlylLen;                /* past samples kept: tapsLen - 1, in a multi-rate filter
                                    (tapsLen + upFactor - 1) / upFactor */
-    int bufLen;                 /* positions over which the window slides */
+    int bufLen;                 /* positions over which the window slides: dlylLen or 63,
+                                   whichever is more, and 1; in a multi-rate filter
+                                   without the 1, but up to a multiple of downFactor */
     void *dlylBase;             /* double or ZCplx: dlylLen + bufLen samples */
     void *dlylEnd;              /* dlylBase + bufLen: where the window goes back */
-    void *dlylCur;              /* the window: the past samples, oldest first */
+    void *dlylCur;              /* the window: the past samples, oldest first; stands at
+                                   dlylBase behind every block */
     rvxFirPhaseRow *phaseTable; /* upFactor rows; null in a single-rate filter */
 } rvxFirState;
 
@@ -476,8 +479,9 @@ RVX_API void rvxzbFir(rvxFirState *statePtr, const ZCplx *inSamps, ZCplx *outSam
 RVX_API void rvxdzbFir(rvxFirState *statePtr, const double *inSamps, ZCplx *outSamps, int numIters);
 RVX_API void rvxzdbFir(rvxFirState *statePtr, const ZCplx *inSamps, ZCplx *outSamps, int numIters);
 
-/* Releases what a live state of any family owns. A failed check is reported under
- * the name "rvxFirrvxFree".
+/* Releases what a live state of any family owns; self and phaseTable become null, the
+ * other fields stay as they are. A failed check is reported under the name
+ * "rvxFirrvxFree".
  * Checks: statePtr null; *statePtr not initialised. */
 RVX_API void rvxFirFree(rvxFirState *statePtr);
 
