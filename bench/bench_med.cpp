@@ -31,12 +31,12 @@ void compareNetwork(int mask, void (*network)(const double *, double *, int), co
 }
 
 #ifdef RVX_HAVE_GSL
-void compareWide(const std::string &signal, int mask, const double *x)
+void compareWide(const std::string &task, int mask, const double *x)
 {
     auto *out = new std::vector<double>(RVX_LEN);
     double *y = out->data();
     auto *workspace = gsl_filter_median_alloc(static_cast<std::size_t>(mask));
-    compare("median of " + signal, "mask " + std::to_string(mask),
+    compare(task, "mask " + std::to_string(mask),
             {{"rvx", [=] { rvxdbMedianFilter2(x, y, RVX_LEN, mask); }},
              {"GSL", [=] {
                   const auto in = gsl_vector_const_view_array(x, RVX_LEN);
@@ -62,14 +62,15 @@ void registerComparisons()
     compareNetwork(5, loop::median5, noise->data());
     compareNetwork(9, loop::median9, noise->data());
 #ifdef RVX_HAVE_GSL
-    for (int mask : {31, 101, 301, 1001}) {
-        compareWide("noise", mask, noise->data());
-        compareWide("a noisy ramp", mask, ramp->data());
-    }
+    for (int mask : {31, 101})
+        compareWide("wide median of noise", mask, noise->data());
+    for (int mask : {301, 1001})
+        compareWide("very wide median of noise", mask, noise->data());
+    for (int mask : {31, 101, 301, 1001})
+        compareWide("wide median of a noisy ramp", mask, ramp->data());
 #endif
-    limit(
-        "median of noise", 1.1,
-        "against networks: loads, and minima and maxima of two pipes; wide masks: a comparison, a "
-        "choice, a minimum and a maximum per place of four sorted windows");
+    limit("median of noise", 1.1, "loads, and minima and maxima of two pipes");
     limit("median of noise, in place", 1.1, "as not in place");
+    limit("wide median of noise", 0.4,
+          "a comparison, a choice, a minimum and a maximum per place of four sorted windows");
 }
