@@ -425,7 +425,8 @@ typedef struct rvxFirState {
 } rvxFirState;
 
 /* Make *statePtr a single-rate filter. A live state is released first, whatever
- * family it had; a refused call leaves it alive, one without memory does not.
+ * family it had: its own arrays may not be tapVals or dlyVals. A refused call leaves
+ * it alive, one without memory does not.
  *   tapVals   tapsLen taps, copied; h[0] meets the newest sample. Null: all zero
  *   tapsLen   1 or more
  *   dlyVals   tapsLen - 1 past samples, the oldest first, copied. Null: all zero
