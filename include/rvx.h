@@ -753,6 +753,50 @@ RVX_API void rvxdbMedianFilter1(double *inout, int len, int masksize);
 RVX_API void rvxdbMedianFilter2(const double *in, double *out, int len, int masksize);
 
 /* ---------------------------------------------------------------------------
+ * Convolution
+ *
+ * y[n] = sum of x[i] * h[n - i] over all i where both are there, for
+ * 0 <= n < xLen + hLen - 1: the full linear convolution, unscaled. It is what a
+ * filter with the taps h makes of x and of zeros before and behind.
+ *   x, h  xLen and hLen elements, 1 and more, not written
+ *   y     xLen + hLen - 1 elements, all written; overlaps neither x nor h
+ * Letters of a name: the types of x and of h. y is complex when either is.
+ *
+ * Lengths alone decide how it is computed, by fixed tables; with L the larger and
+ * S the smaller length:
+ * - directly, for S up to 7 (rvxdConv), 4 (rvxzConv, rvxzdConv) or 6 (rvxdzConv),
+ *   whatever L, and for S up to about 100 while L is below a limit that falls with S;
+ * - by one transform that holds the result, or block by block (overlap-save with
+ *   blocks of two to eight times S), whichever the tables say is cheaper.
+ *
+ * A direct sum rounds each product and adds in a fixed order; its error in an output
+ * is at most S 2^-53, or (S + 1) 2^-53 where both operands are complex, times the sum
+ * of the magnitudes of that output's products. A NaN or an infinity reaches the
+ * outputs that it belongs to. By transforms of N points the error of an output was
+ * measured to be at most 0.7 log2(N) 2^-53 |x| |h|, half of that where either operand
+ * is complex; |h| is the root of the sum of squares of the shorter operand, |x| that
+ * of the N values of the longer one that the block is made of. So small outputs beside
+ * large ones have few digits that are right, and a NaN or an infinity makes its whole
+ * block NaN.
+ *
+ * Transforms keep their tables in the calling thread (see rvxzFft).
+ *
+ * Checks: x null; xLen below 1; h null; hLen below 1; y null. A mixed form with
+ * xLen < hLen is the other mixed form with the operands exchanged, and what it reports
+ * bears that name. Without memory for work buffers or tables: RVX_STATUS_NO_MEMORY,
+ * y as far as it was written. A negative status that was stored before the call ends
+ * the call when its transforms' tables are made, with y as it was; a direct sum is
+ * still written. The return value is the thread's status when that is not negative,
+ * RVX_STATUS_BAD_ARGUMENT after a failed check, and otherwise RVX_STATUS_BACKTRACE:
+ * so clear an old status first.
+ * T. G. Stockham, High-speed convolution and correlation, 1966.
+ * ------------------------------------------------------------------------- */
+RVX_API int rvxdConv(const double *x, int xLen, const double *h, int hLen, double *y);
+RVX_API int rvxzConv(const ZCplx *x, int xLen, const ZCplx *h, int hLen, ZCplx *y);
+RVX_API int rvxzdConv(const ZCplx *x, int xLen, const double *h, int hLen, ZCplx *y);
+RVX_API int rvxdzConv(const double *x, int xLen, const ZCplx *h, int hLen, ZCplx *y);
+
+/* ---------------------------------------------------------------------------
  * Windows
  *
  * vec[k] = vec[k] * w(k) for 0 <= k < n, in place, with symmetric weights

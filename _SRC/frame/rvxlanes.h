@@ -179,6 +179,17 @@ RVX_INLINE Lanes outerHalves(Lanes a, Lanes b)
     return {__builtin_shufflevector(a.v, b.v, 0, 1, 6, 7)};
 }
 
+// (a0, a1, b0, b1) and (a2, a3, b2, b3): the first and the second complex values
+RVX_INLINE Lanes firstHalves(Lanes a, Lanes b)
+{
+    return {__builtin_shufflevector(a.v, b.v, 0, 1, 4, 5)};
+}
+
+RVX_INLINE Lanes lastHalves(Lanes a, Lanes b)
+{
+    return {__builtin_shufflevector(a.v, b.v, 2, 3, 6, 7)};
+}
+
 // (a2, a3, a0, a1): the two complex values in the other order
 RVX_INLINE Lanes swapHalves(Lanes a)
 {

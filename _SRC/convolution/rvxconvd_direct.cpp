@@ -1,0 +1,371 @@
+// The direct cores: y[n] = sum of x[i] h[n-i], each sum in its stated order.
+//
+// The order is that of a walk over pairs of h and, within, pairs of x. To one output
+// it means: for each pair of taps h[j], h[j+1] with j ascending, an even output adds
+// x[n-j-1] h[j+1] before x[n-j] h[j], an odd one after it; last come the elements that
+// an odd length leaves over, of h before that of x. So outputs stand side by side in
+// lanes, the even ones apart from the odd ones, while j ascends.
+
+#include <cmath>
+#include <cstring>
+
+#include "convolution/rvxconvd.h"
+#include "convolution/rvxconvd_checks.h"
+#include "frame/rvxlanes.h"
+
+namespace {
+
+// ---- values, one and four at a time -------------------------------------------
+
+struct CplxLanes {
+    Lanes re;
+    Lanes im;
+};
+
+RVX_INLINE double product(double x, double h)
+{
+    return x * h;
+}
+
+RVX_INLINE ZCplx product(ZCplx x, double h)
+{
+    return {x.re * h, x.im * h};
+}
+
+RVX_INLINE ZCplx product(double x, ZCplx h)
+{
+    return {x * h.re, x * h.im};
+}
+
+RVX_INLINE ZCplx product(ZCplx x, ZCplx h)
+{
+    return {x.re * h.re - x.im * h.im, x.re * h.im + x.im * h.re};
+}
+
+RVX_INLINE Lanes product(Lanes x, Lanes h)
+{
+    return x * h;
+}
+
+RVX_INLINE CplxLanes product(CplxLanes x, Lanes h)
+{
+    return {x.re * h, x.im * h};
+}
+
+RVX_INLINE CplxLanes product(Lanes x, CplxLanes h)
+{
+    return {x * h.re, x * h.im};
+}
+
+RVX_INLINE CplxLanes product(CplxLanes x, CplxLanes h)
+{
+    return {x.re * h.re - x.im * h.im, x.re * h.im + x.im * h.re};
+}
+
+RVX_INLINE double plus(double a, double b)
+{
+    return a + b;
+}
+
+RVX_INLINE ZCplx plus(ZCplx a, ZCplx b)
+{
+    return {a.re + b.re, a.im + b.im};
+}
+
+RVX_INLINE Lanes plus(Lanes a, Lanes b)
+{
+    return a + b;
+}
+
+RVX_INLINE CplxLanes plus(CplxLanes a, CplxLanes b)
+{
+    return {a.re + b.re, a.im + b.im};
+}
+
+RVX_INLINE Lanes spread(double h)
+{
+    return allLanes(h);
+}
+
+RVX_INLINE CplxLanes spread(ZCplx h)
+{
+    return {allLanes(h.re), allLanes(h.im)};
+}
+
+// ---- one output ---------------------------------------------------------------
+
+// For what does not go in lanes.
+template <typename Long, typename Short>
+auto outputAt(const Long *x, int xLen, const Short *h, int hLen, std::int64_t n)
+{
+    using Out = decltype(product(*x, *h));
+    const int xEven = xLen & ~1;
+    const int hEven = hLen & ~1;
+    Out y = {};
+    for (std::int64_t j = n > xEven ? (n - xEven + 1) & ~1 : 0; j < hEven && j <= n; j += 2) {
+        const std::int64_t i = n - j;
+        const bool odd = i % 2 != 0;
+        if (odd && i < xEven)
+            y = plus(product(x[i], h[j]), y);
+        if (i > 0 && i <= xEven)
+            y = plus(product(x[i - 1], h[j + 1]), y);
+        if (!odd && i < xEven)
+            y = plus(product(x[i], h[j]), y);
+    }
+    const std::int64_t last = n - (hLen - 1);
+    if (hLen != hEven && last >= 0 && last < xLen)
+        y = plus(y, product(x[last], h[hLen - 1]));
+    const std::int64_t j = n - (xLen - 1);
+    if (xLen != xEven && j >= 0 && j < hEven)
+        y = plus(y, product(x[xLen - 1], h[j]));
+    return y;
+}
+
+// ---- outputs in lanes ---------------------------------------------------------
+
+enum {
+    RVX_CONV_LEAD = RVX_CONV_DIRECT_MAX / 2 + 2, // pairs of x before a chunk's outputs
+    RVX_CONV_CHUNK = 128,                        // pairs of outputs in a chunk
+    RVX_CONV_WINDOW = RVX_CONV_LEAD + RVX_CONV_CHUNK
+};
+
+// Pairs of x with their even elements apart from the odd ones. Place p is pair
+// first + p; pairs that are not there are zero, which leaves every sum as it is: the
+// taps are finite, and no sum is ever -0.0.
+struct RealWindow {
+    enum { tileVectors = 4 };
+    double even[RVX_CONV_WINDOW];
+    double odd[RVX_CONV_WINDOW];
+
+    RVX_INLINE Lanes evenAt(int p) const { return loadLanes(even + p); }
+    RVX_INLINE Lanes oddAt(int p) const { return loadLanes(odd + p); }
+    RVX_INLINE void set(int p, double e, double o)
+    {
+        even[p] = e;
+        odd[p] = o;
+    }
+    RVX_INLINE void setFour(int p, const double *x)
+    {
+        const Lanes low = loadLanes(x);
+        const Lanes high = loadLanes(x + 4);
+        storeLanes(even + p, evenElements(low, high));
+        storeLanes(odd + p, oddElements(low, high));
+    }
+};
+
+struct CplxWindow {
+    enum { tileVectors = 1 };
+    double evenRe[RVX_CONV_WINDOW];
+    double evenIm[RVX_CONV_WINDOW];
+    double oddRe[RVX_CONV_WINDOW];
+    double oddIm[RVX_CONV_WINDOW];
+
+    RVX_INLINE CplxLanes evenAt(int p) const
+    {
+        return {loadLanes(evenRe + p), loadLanes(evenIm + p)};
+    }
+    RVX_INLINE CplxLanes oddAt(int p) const { return {loadLanes(oddRe + p), loadLanes(oddIm + p)}; }
+    RVX_INLINE void set(int p, ZCplx e, ZCplx o)
+    {
+        evenRe[p] = e.re;
+        evenIm[p] = e.im;
+        oddRe[p] = o.re;
+        oddIm[p] = o.im;
+    }
+    RVX_INLINE void setFour(int p, const ZCplx *x)
+    {
+        const Lanes a = loadLanes(x);
+        const Lanes b = loadLanes(x + 2);
+        const Lanes c = loadLanes(x + 4);
+        const Lanes d = loadLanes(x + 6);
+        const Lanes evens[2] = {firstHalves(a, b), firstHalves(c, d)};
+        const Lanes odds[2] = {lastHalves(a, b), lastHalves(c, d)};
+        storeLanes(evenRe + p, evenElements(evens[0], evens[1]));
+        storeLanes(evenIm + p, oddElements(evens[0], evens[1]));
+        storeLanes(oddRe + p, evenElements(odds[0], odds[1]));
+        storeLanes(oddIm + p, oddElements(odds[0], odds[1]));
+    }
+};
+
+template <typename Window, typename Long>
+RVX_INLINE void fillWindow(Window &window, const Long *x, int pairs, int first)
+{
+    int p = 0;
+    for (; p < RVX_CONV_WINDOW && first + p < 0; ++p)
+        window.set(p, Long{}, Long{});
+    for (; p + 4 <= RVX_CONV_WINDOW && first + p + 4 <= pairs; p += 4)
+        window.setFour(p, x + 2 * (first + p));
+    for (; p < RVX_CONV_WINDOW && first + p < pairs; ++p)
+        window.set(p, x[2 * (first + p)], x[2 * (first + p) + 1]);
+    for (; p < RVX_CONV_WINDOW; ++p)
+        window.set(p, Long{}, Long{});
+}
+
+// Four even outputs and the four odd ones behind each.
+RVX_INLINE void storeOutputs(double *y, Lanes even, Lanes odd)
+{
+    storeLanes(y, interleaveLow(even, odd));
+    storeLanes(y + 4, interleaveHigh(even, odd));
+}
+
+RVX_INLINE void storeOutputs(ZCplx *y, CplxLanes even, CplxLanes odd)
+{
+    const Lanes evenLow = interleaveLow(even.re, even.im);
+    const Lanes evenHigh = interleaveHigh(even.re, even.im);
+    const Lanes oddLow = interleaveLow(odd.re, odd.im);
+    const Lanes oddHigh = interleaveHigh(odd.re, odd.im);
+    storeLanes(y, firstHalves(evenLow, oddLow));
+    storeLanes(y + 2, lastHalves(evenLow, oddLow));
+    storeLanes(y + 4, firstHalves(evenHigh, oddHigh));
+    storeLanes(y + 6, lastHalves(evenHigh, oddHigh));
+}
+
+// The pairs of taps from..to-1 for 8 * vectors outputs, whose first pair of x stands
+// at place p. Enough sums at a time to hide how long an addition takes.
+template <int vectors, typename Window, typename Short, typename Out>
+RVX_INLINE void sumTile(const Window &window, int p, const Short *h, int from, int to, Out *y)
+{
+    using Sum = decltype(product(window.evenAt(0), spread(*h)));
+    Sum even[vectors] = {};
+    Sum odd[vectors] = {};
+    for (int q = from; q < to; ++q) {
+        const auto h0 = spread(h[2 * q]);
+        const auto h1 = spread(h[2 * q + 1]);
+        for (int v = 0; v < vectors; ++v) {
+            const int at = p + 4 * v - q;
+            const auto x0 = window.evenAt(at);
+            even[v] = plus(product(x0, h0), plus(product(window.oddAt(at - 1), h1), even[v]));
+            odd[v] = plus(product(x0, h1), plus(product(window.oddAt(at), h0), odd[v]));
+        }
+    }
+    for (int v = 0; v < vectors; ++v)
+        storeOutputs(y + 8 * v, even[v], odd[v]);
+}
+
+// What pairs of taps and pairs of x give, to outputs 2 * first and on, `count` of them.
+template <typename Window, typename Long, typename Short, typename Out>
+RVX_INLINE void sumChunk(const Long *x, int xPairs, const Short *h, int hPairs, int first,
+                         int count, Out *y)
+{
+    constexpr int vectors = Window::tileVectors;
+    constexpr int tilePairs = 4 * vectors;
+    Window window;
+    fillWindow(window, x, xPairs, first - RVX_CONV_LEAD);
+    for (int t = 0; 2 * t < count; t += tilePairs) {
+        // Only taps that meet an element of x.
+        const int from = first + t > xPairs ? first + t - xPairs : 0;
+        const int to = first + t + tilePairs < hPairs ? first + t + tilePairs : hPairs;
+        const int left = count - 2 * t;
+        if (left >= 2 * tilePairs) {
+            sumTile<vectors>(window, RVX_CONV_LEAD + t, h, from, to, y + 2 * t);
+            continue;
+        }
+        Out tile[2 * tilePairs];
+        sumTile<vectors>(window, RVX_CONV_LEAD + t, h, from, to, tile);
+        std::memcpy(y + 2 * t, tile, static_cast<unsigned>(left) * sizeof(Out));
+    }
+}
+
+template <typename Window, typename Long, typename Short, typename Out>
+RVX_INLINE void sumAll(const Long *x, int xLen, const Short *h, int hLen, Out *y)
+{
+    const std::int64_t total = std::int64_t{xLen} + hLen - 1;
+    const int xPairs = xLen / 2;
+    const int hPairs = hLen / 2;
+    for (std::int64_t n = 0; n < total; n += 2 * RVX_CONV_CHUNK) {
+        const std::int64_t left = total - n;
+        const int count = left < 2 * RVX_CONV_CHUNK ? static_cast<int>(left) : 2 * RVX_CONV_CHUNK;
+        sumChunk<Window>(x, xPairs, h, hPairs, static_cast<int>(n / 2), count, y + n);
+        if (hLen % 2 != 0)
+            for (std::int64_t i = n > hLen - 1 ? n : hLen - 1; i < n + count; ++i)
+                y[i] = plus(y[i], product(x[i - (hLen - 1)], h[hLen - 1]));
+    }
+    if (xLen % 2 != 0) {
+        Out *end = y + (xLen - 1);
+        for (int j = 0; j < 2 * hPairs; ++j)
+            end[j] = plus(end[j], product(x[xLen - 1], h[j]));
+    }
+}
+
+RVX_KERNEL void convReal(const double *x, int xLen, const double *h, int hLen, double *y)
+{
+    sumAll<RealWindow>(x, xLen, h, hLen, y);
+}
+
+RVX_KERNEL void convComplex(const ZCplx *x, int xLen, const ZCplx *h, int hLen, ZCplx *y)
+{
+    sumAll<CplxWindow>(x, xLen, h, hLen, y);
+}
+
+RVX_KERNEL void convComplexReal(const ZCplx *x, int xLen, const double *h, int hLen, ZCplx *y)
+{
+    sumAll<CplxWindow>(x, xLen, h, hLen, y);
+}
+
+RVX_KERNEL void convRealComplex(const double *x, int xLen, const ZCplx *h, int hLen, ZCplx *y)
+{
+    sumAll<RealWindow>(x, xLen, h, hLen, y);
+}
+
+// ---- the engine ---------------------------------------------------------------
+
+bool isFinite(double h)
+{
+    return std::isfinite(h);
+}
+
+bool isFinite(ZCplx h)
+{
+    return std::isfinite(h.re) && std::isfinite(h.im);
+}
+
+template <typename Short>
+bool allFinite(const Short *h, int hLen)
+{
+    for (int j = 0; j < hLen; ++j)
+        if (!isFinite(h[j]))
+            return false;
+    return true;
+}
+
+template <typename Long, typename Short, typename Out>
+void sumDirectly(const Long *x, int xLen, const Short *h, int hLen, Out *y,
+                 void (*inLanes)(const Long *, int, const Short *, int, Out *))
+{
+    if (allFinite(h, hLen)) {
+        inLanes(x, xLen, h, hLen, y);
+        return;
+    }
+    for (std::int64_t n = 0; n < std::int64_t{xLen} + hLen - 1; ++n)
+        y[n] = outputAt(x, xLen, h, hLen, n);
+}
+
+} // namespace
+
+// The checks are the fronts', which have made them. Deliberate: rvxzConv0 alone has none.
+
+void rvxdConv0(const double *x, int xLen, const double *h, int hLen, double *y)
+{
+    if (!rvxConvArgumentsGood(__func__, x, xLen, h, hLen, y))
+        return;
+    sumDirectly(x, xLen, h, hLen, y, convReal);
+}
+
+void rvxzConv0(const ZCplx *x, int xLen, const ZCplx *h, int hLen, ZCplx *y)
+{
+    sumDirectly(x, xLen, h, hLen, y, convComplex);
+}
+
+void rvxzdConv0(const ZCplx *x, int xLen, const double *h, int hLen, ZCplx *y)
+{
+    if (!rvxConvArgumentsGood(__func__, x, xLen, h, hLen, y))
+        return;
+    sumDirectly(x, xLen, h, hLen, y, convComplexReal);
+}
+
+void rvxdzConv0(const double *x, int xLen, const ZCplx *h, int hLen, ZCplx *y)
+{
+    if (!rvxConvArgumentsGood(__func__, x, xLen, h, hLen, y))
+        return;
+    sumDirectly(x, xLen, h, hLen, y, convRealComplex);
+}
