@@ -2,8 +2,9 @@
 // circuits, 1960; with leakage, and with a delay in the error path).
 //
 // The taps adapt independently of each other, in lanes; the output is a sum with a
-// stated order, whose chain of additions is what a step takes. So each tap is
-// fetched once, adapted, stored and multiplied while the chain runs behind.
+// stated order, whose chain of additions is what a step takes. So one pass fetches
+// each tap and sample once, adapts, multiplies, stores the tap and moves the sample
+// on while the chain runs behind.
 
 #include "filter/rvxlmsl.h"
 
@@ -22,9 +23,12 @@ namespace {
 struct RealLms {
     using Tap = double;
     using Sample = double;
+    using Samples = Lanes; // as many as taps
     static constexpr int width = 4;
 
-    static RVX_INLINE Lanes samples(const double *p) { return loadLanes(p); }
+    static RVX_INLINE Lanes load(const double *p) { return loadLanes(p); }
+    static RVX_INLINE void store(double *p, Lanes samples) { storeLanes(p, samples); }
+    static RVX_INLINE Lanes spread(Lanes samples) { return samples; }
     static RVX_INLINE Lanes adapted(Lanes taps, Lanes kept, Lanes samples, Lanes gain)
     {
         return taps * kept + samples * gain;
@@ -36,14 +40,27 @@ struct RealLms {
         const Lanes odd = swapParts(p);
         return (((sum + p) + odd) + swapHalves(p)) + swapHalves(odd);
     }
+    static RVX_INLINE double first(Lanes sum) { return firstLane(sum); }
 };
 
 struct MixedLms {
     using Tap = ZCplx;
     using Sample = double;
+    struct Samples {
+        double first, second;
+    };
     static constexpr int width = 2;
 
-    static RVX_INLINE Lanes samples(const double *p) { return lanesOf(p[0], p[0], p[1], p[1]); }
+    static RVX_INLINE Samples load(const double *p) { return {p[0], p[1]}; }
+    static RVX_INLINE void store(double *p, Samples samples)
+    {
+        p[0] = samples.first;
+        p[1] = samples.second;
+    }
+    static RVX_INLINE Lanes spread(Samples s)
+    {
+        return lanesOf(s.first, s.first, s.second, s.second);
+    }
     static RVX_INLINE Lanes adapted(Lanes taps, Lanes kept, Lanes samples, Lanes gain)
     {
         return taps * kept + samples * gain;
@@ -51,29 +68,40 @@ struct MixedLms {
     static RVX_INLINE Lanes product(Lanes taps, Lanes samples) { return taps * samples; }
     // The sum stands in the first two lanes.
     static RVX_INLINE Lanes plusAll(Lanes sum, Lanes p) { return (sum + p) + swapHalves(p); }
+    static RVX_INLINE ZCplx first(Lanes sum) { return {sum.v[0], sum.v[1]}; }
 };
 
 struct CplxLms {
     using Tap = ZCplx;
     using Sample = ZCplx;
+    using Samples = Lanes;
     static constexpr int width = 2;
 
-    static RVX_INLINE Lanes samples(const ZCplx *p) { return loadLanes(p); }
+    static RVX_INLINE Lanes load(const ZCplx *p) { return loadLanes(p); }
+    static RVX_INLINE void store(ZCplx *p, Lanes samples) { storeLanes(p, samples); }
+    static RVX_INLINE Lanes spread(Lanes samples) { return samples; }
     // taps * kept + gain * conj(samples); the two parts are deliberately grouped in
-    // different ways.
+    // different ways: leaked + (byIm + byRe) and (leaked - byIm) + byRe.
     static RVX_INLINE Lanes adapted(Lanes taps, Lanes kept, Lanes samples, Lanes gain)
     {
         const Lanes leaked = taps * kept;
-        const Lanes byIm = imagParts(samples) * swapParts(gain);
+        const Lanes byIm = imagParts(samples) * swapParts(negateEven(gain));
         const Lanes byRe = realParts(samples) * gain;
-        return blendOdd(leaked + (byIm + byRe), (leaked - byIm) + byRe);
+        return (byIm + blendOdd(byRe, leaked)) + blendOdd(leaked, byRe);
     }
     static RVX_INLINE Lanes product(Lanes taps, Lanes samples)
     {
         return subAdd(realParts(taps) * samples, imagParts(taps) * swapParts(samples));
     }
     static RVX_INLINE Lanes plusAll(Lanes sum, Lanes p) { return (sum + p) + swapHalves(p); }
+    static RVX_INLINE ZCplx first(Lanes sum) { return {sum.v[0], sum.v[1]}; }
 };
+
+// How many samples are fetched ahead of those that are due.
+template <typename Family>
+constexpr int reachOf = 4 * Family::width;
+
+static_assert(reachOf<RealLms> <= RVX_LMS_REACH && reachOf<CplxLms> <= RVX_LMS_REACH);
 
 // What a step works on. The delay line is as it was before the step.
 template <typename Family>
@@ -81,91 +109,146 @@ struct LmsStep {
     typename Family::Tap *taps;
     int tapsLen;
     bool adapts;
-    double kept;                           // what leakage leaves of a tap
-    typename Family::Tap gain;             // error times step size
-    const typename Family::Sample *past;   // past[i] met taps[i] when the error arose
-    const typename Family::Sample *newest; // newest[-i] meets taps[i] for i < fresh
-    int fresh;
-    const typename Family::Sample *line; // and line[i - fresh] the others
+    double kept;                            // what leakage leaves of a tap
+    const typename Family::Sample *past;    // past[i] met taps[i] when the error arose
+    const typename Family::Sample *inSamps; // the step's samples, oldest first
+    int factor;                             // how many
+    int fresh;                              // how many of them the output has, from the first on
+    typename Family::Sample *line;          // line[i - fresh] meets taps[i] for i >= fresh
+    long long lineLen;                      // how much of it moves up by factor places
 };
 
-// Tap i, adapted, times the sample that it meets now.
+// One tap, adapted, times the sample that it meets now.
 template <typename Family, bool adapts>
-RVX_INLINE Lanes oneProduct(const LmsStep<Family> &step, int i, typename Family::Sample sample)
+RVX_INLINE Lanes oneProduct(typename Family::Tap *at, Lanes kept,
+                            const typename Family::Sample *past, Lanes gain,
+                            typename Family::Sample sample)
 {
-    Lanes tap = allLanes(step.taps[i]);
+    Lanes tap = allLanes(*at);
     if (adapts) {
-        tap =
-            Family::adapted(tap, allLanes(step.kept), allLanes(step.past[i]), allLanes(step.gain));
-        storeFirst(step.taps + i, tap);
+        tap = Family::adapted(tap, kept, allLanes(*past), gain);
+        storeFirst(at, tap);
     }
     return Family::product(tap, allLanes(sample));
 }
 
 // The same for as many taps as stand in lanes.
 template <typename Family, bool adapts>
-RVX_INLINE Lanes products(const LmsStep<Family> &step, int i,
-                          const typename Family::Sample *samples)
+RVX_INLINE Lanes products(typename Family::Tap *at, Lanes kept, const typename Family::Sample *past,
+                          Lanes gain, typename Family::Samples samples)
 {
-    Lanes taps = loadLanes(step.taps + i);
+    Lanes taps = loadLanes(at);
     if (adapts) {
-        taps = Family::adapted(taps, allLanes(step.kept), Family::samples(step.past + i),
-                               allLanes(step.gain));
-        storeLanes(step.taps + i, taps);
+        taps = Family::adapted(taps, kept, Family::spread(Family::load(past)), gain);
+        storeLanes(at, taps);
     }
-    return Family::product(taps, Family::samples(samples));
+    return Family::product(taps, Family::spread(samples));
 }
 
-template <typename Family, bool adapts>
-RVX_INLINE Lanes outputSum(const LmsStep<Family> &step)
+// Moves what lies behind the first `done` samples of the line, of which those that
+// may have been written over are in `ahead`, and puts the step's samples in front.
+template <int reach, typename Sample>
+RVX_INLINE void finishLine(Sample *line, long long lineLen, long long done, const Sample *ahead,
+                           const Sample *inSamps, int factor)
 {
+    const long long left = lineLen - done;
+    if (left > reach)
+        std::memmove(line + done + reach + factor, line + done + reach,
+                     static_cast<std::size_t>(left - reach) * sizeof(Sample));
+    for (int i = 0; i < reach && i < left; ++i)
+        line[done + factor + i] = ahead[i];
+    for (int i = 0; i < factor; ++i)
+        line[i] = inSamps[factor - 1 - i];
+}
+
+// One output; the taps adapt and the line moves on the way.
+//
+// Samples are fetched `reach` places before they are due, since what moves up
+// writes over them. All is stored before the last additions: the next step's loads
+// then find it in the cache, not behind the end of the chain.
+template <typename Family, bool adapts>
+RVX_INLINE typename Family::Tap outputSum(const LmsStep<Family> &step, typename Family::Tap gain)
+{
+    constexpr int width = Family::width;
+    constexpr int reach = reachOf<Family>;
     const int n = step.tapsLen;
+    const int factor = step.factor;
+    const bool moves = factor <= reach;
+    typename Family::Tap *const taps = step.taps;
+    const typename Family::Sample *const past = step.past;
+    const Lanes kept = allLanes(step.kept);
+    const Lanes gains = allLanes(gain);
     Lanes sum = allLanes(0.0);
     int i = 0;
     for (; i < n && i < step.fresh; ++i)
-        sum = sum + oneProduct<Family, adapts>(step, i, step.newest[-i]);
-    for (; i <= n - Family::width; i += Family::width)
-        sum = Family::plusAll(sum, products<Family, adapts>(step, i, step.line + (i - step.fresh)));
-    for (; i < n; ++i)
-        sum = sum + oneProduct<Family, adapts>(step, i, step.line[i - step.fresh]);
-    return sum;
+        sum = sum + oneProduct<Family, adapts>(taps + i, kept, past + i, gains,
+                                               step.inSamps[step.fresh - 1 - i]);
+    typename Family::Sample *at = step.line;
+    typename Family::Samples due = Family::load(at), second = Family::load(at + width),
+                             third = Family::load(at + 2 * width),
+                             fourth = Family::load(at + 3 * width);
+    for (; i <= n - width; i += width, at += width) {
+        const typename Family::Samples fifth = Family::load(at + reach);
+        sum = Family::plusAll(sum, products<Family, adapts>(taps + i, kept, past + i, gains, due));
+        if (moves)
+            Family::store(at + factor, due);
+        due = second, second = third, third = fourth, fourth = fifth;
+    }
+    typename Family::Sample ahead[reach];
+    Family::store(ahead, due);
+    Family::store(ahead + width, second);
+    Family::store(ahead + 2 * width, third);
+    Family::store(ahead + 3 * width, fourth);
+    Lanes last[width];
+    int lastLen = 0;
+    for (; i < n; ++i, ++lastLen)
+        last[lastLen] = oneProduct<Family, adapts>(taps + i, kept, past + i, gains, ahead[lastLen]);
+    if (moves)
+        finishLine<reach>(step.line, step.lineLen, at - step.line, ahead, step.inSamps,
+                          step.factor);
+    else
+        finishLine<reach>(step.line, step.lineLen, 0, step.line, step.inSamps, step.factor);
+    for (int k = 0; k < lastLen; ++k)
+        sum = sum + last[k];
+    return Family::first(sum);
 }
 
+// Gain and output go in registers: through memory they would lie on the way from
+// one error to the next.
 template <typename Family>
-RVX_INLINE void stepOutput(const LmsStep<Family> &step, typename Family::Tap *output)
+RVX_INLINE typename Family::Tap stepOutput(const LmsStep<Family> &step, typename Family::Tap gain)
 {
-    storeFirst(output,
-               step.adapts ? outputSum<Family, true>(step) : outputSum<Family, false>(step));
+    return step.adapts ? outputSum<Family, true>(step, gain) : outputSum<Family, false>(step, gain);
 }
 
-RVX_KERNEL void lmsOutputReal(const LmsStep<RealLms> &step, double *output)
+RVX_KERNEL double lmsOutputReal(const LmsStep<RealLms> &step, double gain)
 {
-    stepOutput(step, output);
+    return stepOutput(step, gain);
 }
 
-RVX_KERNEL void lmsOutputCplx(const LmsStep<CplxLms> &step, ZCplx *output)
+RVX_KERNEL ZCplx lmsOutputCplx(const LmsStep<CplxLms> &step, ZCplx gain)
 {
-    stepOutput(step, output);
+    return stepOutput(step, gain);
 }
 
-RVX_KERNEL void lmsOutputMixed(const LmsStep<MixedLms> &step, ZCplx *output)
+RVX_KERNEL ZCplx lmsOutputMixed(const LmsStep<MixedLms> &step, ZCplx gain)
 {
-    stepOutput(step, output);
+    return stepOutput(step, gain);
 }
 
-void lmsOutput(const LmsStep<RealLms> &step, double *output)
+double lmsOutput(const LmsStep<RealLms> &step, double gain)
 {
-    lmsOutputReal(step, output);
+    return lmsOutputReal(step, gain);
 }
 
-void lmsOutput(const LmsStep<CplxLms> &step, ZCplx *output)
+ZCplx lmsOutput(const LmsStep<CplxLms> &step, ZCplx gain)
 {
-    lmsOutputCplx(step, output);
+    return lmsOutputCplx(step, gain);
 }
 
-void lmsOutput(const LmsStep<MixedLms> &step, ZCplx *output)
+ZCplx lmsOutput(const LmsStep<MixedLms> &step, ZCplx gain)
 {
-    lmsOutputMixed(step, output);
+    return lmsOutputMixed(step, gain);
 }
 
 double scaled(double err, double step)
@@ -178,12 +261,12 @@ ZCplx scaled(ZCplx err, double step)
     return {err.re * step, err.im * step};
 }
 
-// One output, with `fresh` samples up to *newest in front of the delay line, of
-// which the first places from `offset` on belong to the output.
+// A step of `factor` samples, of which sample `phase` is the newest in the output;
+// lineLen samples of the line move up.
 template <typename Family>
-typename Family::Tap outputOf(const rvxLmsTapState &taps, const rvxLmsDlyState &dly, int offset,
-                              const typename Family::Sample *newest, int fresh,
-                              typename Family::Tap err)
+typename Family::Tap takeStep(const rvxLmsTapState &taps, const rvxLmsDlyState &dly,
+                              const typename Family::Sample *inSamps, int factor, int phase,
+                              long long lineLen, typename Family::Tap err)
 {
     // A negative delay is not refused, and may not reach outside the line.
     const int errDly = taps.errDly > 0 ? taps.errDly : 0;
@@ -192,48 +275,28 @@ typename Family::Tap outputOf(const rvxLmsTapState &taps, const rvxLmsDlyState &
     step.tapsLen = taps.tapsLen;
     step.adapts = taps.step > 0.0f;
     step.kept = 1.0 - static_cast<double>(taps.leak);
-    step.gain = scaled(err, taps.step);
-    step.line = static_cast<const typename Family::Sample *>(dly.dlyl);
-    step.past = step.line + offset + errDly;
-    step.newest = newest;
-    step.fresh = fresh;
-    typename Family::Tap output;
-    lmsOutput(step, &output);
-    return output;
-}
-
-// Moves count elements up by `by` places.
-template <typename Sample>
-void shiftLine(Sample *line, int count, int by)
-{
-    if (count > 0)
-        std::memmove(line + by, line, static_cast<std::size_t>(count) * sizeof(Sample));
+    step.inSamps = inSamps;
+    step.factor = factor;
+    step.fresh = phase + 1;
+    step.line = static_cast<typename Family::Sample *>(dly.dlyl);
+    step.past = step.line + (factor - 1 - phase) + errDly;
+    step.lineLen = lineLen;
+    return lmsOutput(step, scaled(err, taps.step));
 }
 
 template <typename Family>
 typename Family::Tap oneStep(const rvxLmsTapState &taps, const rvxLmsDlyState &dly,
                              typename Family::Sample sample, typename Family::Tap err)
 {
-    const typename Family::Tap output = outputOf<Family>(taps, dly, 0, &sample, 1, err);
-    auto *line = static_cast<typename Family::Sample *>(dly.dlyl);
-    shiftLine(line, dly.dlylLen - 1, 1);
-    line[0] = sample;
-    return output;
+    return takeStep<Family>(taps, dly, &sample, 1, 0, dly.dlylLen - 1LL, err);
 }
 
 template <typename Family>
 typename Family::Tap blockStep(const rvxLmsTapState &taps, const rvxLmsDlyState &dly,
                                const typename Family::Sample *inSamps, typename Family::Tap err)
 {
-    const int factor = taps.downFactor;
-    const int phase = taps.downPhase;
-    const typename Family::Tap output =
-        outputOf<Family>(taps, dly, factor - 1 - phase, inSamps + phase, phase + 1, err);
-    auto *line = static_cast<typename Family::Sample *>(dly.dlyl);
-    shiftLine(line, taps.tapsLen + taps.errDly, factor);
-    for (int i = 0; i < factor; ++i)
-        line[i] = inSamps[factor - 1 - i];
-    return output;
+    return takeStep<Family>(taps, dly, inSamps, taps.downFactor, taps.downPhase,
+                            static_cast<long long>(taps.tapsLen) + taps.errDly, err);
 }
 
 template <typename Tap>

@@ -25,12 +25,15 @@ double rvxdbLmsl(rvxLmsTapState *taps, rvxLmsDlyState *dly, const double *inSamp
 ZCplx rvxzbLmsl(rvxLmsTapState *taps, rvxLmsDlyState *dly, const ZCplx *inSamps, ZCplx err);
 ZCplx rvxdzbLmsl(rvxLmsTapState *taps, rvxLmsDlyState *dly, const double *inSamps, ZCplx err);
 
+// How many samples of the delay line a step may fetch ahead.
+constexpr int RVX_LMS_REACH = 16;
+
 // The length that the delay line needs in memory, at least dlylLen: one step of
 // either form stays inside it, whatever form the state was made for.
 inline long long rvxLmslRoom(const rvxLmsTapState *taps)
 {
     const long long errDly = taps->errDly > 0 ? taps->errDly : 0;
-    return taps->tapsLen + errDly + taps->downFactor;
+    return taps->tapsLen + errDly + taps->downFactor + RVX_LMS_REACH;
 }
 
 #endif

@@ -196,10 +196,13 @@ RVX_INLINE Lanes swapHalves(Lanes a)
     return {__builtin_shufflevector(a.v, a.v, 2, 3, 0, 1)};
 }
 
-// (even0, odd1, even2, odd3)
+// (even0, odd1, even2, odd3). As integers: for doubles compilers may take a shuffle,
+// which has fewer pipes than a blend.
 RVX_INLINE Lanes blendOdd(Lanes even, Lanes odd)
 {
-    return {__builtin_shufflevector(even.v, odd.v, 0, 5, 2, 7)};
+    const auto bits = __builtin_shufflevector(reinterpret_cast<RvxBits>(even.v),
+                                              reinterpret_cast<RvxBits>(odd.v), 0, 5, 2, 7);
+    return {reinterpret_cast<RvxVector>(bits)};
 }
 
 RVX_INLINE double firstLane(Lanes a)
