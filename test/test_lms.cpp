@@ -97,6 +97,16 @@ bool sameTaps(const rvxLmsState &state, const Reference<Family> &expected)
     return true;
 }
 
+template <typename Family>
+bool sameLine(const rvxLmsState &state, const Reference<Family> &expected)
+{
+    const auto *line = static_cast<const typename Family::Sample *>(state.dlyState.dlyl);
+    for (int i = 0; i < state.dlyState.dlylLen; ++i)
+        if (!same(line[i], expected.ago(i)))
+            return false;
+    return true;
+}
+
 struct Shape {
     int tapsLen, errDly, downFactor, downPhase; // downFactor 0 for a single rate
     bool given;                                 // taps and earlier samples, not null
@@ -127,7 +137,8 @@ rvxLmsState makeState(const Shape &shape, float step, float leak, Temper temper,
     return state;
 }
 
-// Steps of both forms in turn, each output and all taps compared bit by bit.
+// Steps of both forms in turn, each output, all taps and the delay line compared bit
+// by bit.
 template <typename Family>
 void expectSteps(const Shape &shape, float step, float leak, Temper temper)
 {
@@ -156,6 +167,7 @@ void expectSteps(const Shape &shape, float step, float leak, Temper temper)
         }
         ASSERT_TRUE(same(output, expectedOutput)) << text << ", step " << k;
         ASSERT_TRUE(sameTaps<Family>(state, expected)) << text << ", step " << k;
+        ASSERT_TRUE(sameLine<Family>(state, expected)) << text << ", step " << k;
     }
     rvxLmsFree(&state);
 }
@@ -183,6 +195,13 @@ TYPED_TEST(Lms, EveryFactorAndPhase)
                     expectSteps<TypeParam>({tapsLen, errDly, factor, phase, phase % 2 == 0}, 0.01f,
                                            0.001f, Temper::uniform);
     expectSteps<TypeParam>({5, 2, 100, 60, true}, 0.01f, 0.001f, Temper::uniform);
+    // Around the number of samples that a step fetches ahead.
+    for (int tapsLen : {1, 7, 18, 40, 67})
+        for (int errDly : {0, 3, 33})
+            for (int factor : {10, 15, 16, 17, 23, 40})
+                for (int phase : {0, factor / 2, factor - 1})
+                    expectSteps<TypeParam>({tapsLen, errDly, factor, phase, true}, 0.01f, 0.001f,
+                                           Temper::uniform);
 }
 
 TYPED_TEST(Lms, StepsAndLeaksOfAllKinds)
@@ -328,9 +347,7 @@ TYPED_TEST(Lms, TheRecordHoldsWhatWasGiven)
         EXPECT_EQ(state.dlyState.dlyReady, 1);
         EXPECT_TRUE(same(state.errVal, ZCplx{0.0, 0.0}));
         EXPECT_TRUE(sameTaps<TypeParam>(state, expected));
-        const auto *line = static_cast<typename TypeParam::Sample *>(state.dlyState.dlyl);
-        for (int i = 0; i < state.dlyState.dlylLen; ++i)
-            EXPECT_TRUE(same(line[i], expected.ago(i))) << i;
+        EXPECT_TRUE(sameLine<TypeParam>(state, expected));
         rvxLmsFree(&state);
     }
 }
