@@ -106,9 +106,12 @@ void registerComparisons()
             compareAt<Cplx>("complex", tapsLen, factor);
             compareAt<Mixed>("real samples, complex taps", tapsLen, factor);
         }
-    const char *chain = "one chain of additions in the stated order, 3 cycles each";
+    const std::string chain = "one chain of additions in the stated order, 3 cycles each, that "
+                              "begins anew with each error: 208 ns for 256 taps at 3.7 GHz";
+    const std::string pipes = chain + "; beside it 18 operations for two taps share four pipes";
     for (const char *family : {"real", "complex", "real samples, complex taps"}) {
-        limit(std::string("LMS, one step, ") + family, 3.0, chain);
-        limit(std::string("LMS, block of 4, ") + family, 1.2, chain);
+        const std::string &reason = family == std::string("complex") ? pipes : chain;
+        limit(std::string("LMS, one step, ") + family, 3.0, reason);
+        limit(std::string("LMS, block of 4, ") + family, 1.2, reason);
     }
 }
