@@ -649,8 +649,8 @@ typedef struct rvxLmsState {
  *   step     adaptation step; at 0, below, or NaN the taps stay as they are and
  *            leak has no effect either
  *   leak     part of each tap that is lost in an adaptation: 0 for none
- *   errDly   how many steps the error comes later than needed: 0 when the error of
- *            an output is given to the very next step; not checked
+ *   errDly   how many input samples the error comes later than needed: 0 when the
+ *            error of an output is given to the very next step; not checked
  * Checks: statePtr null; tapsLen below 1; no memory (RVX_STATUS_NO_MEMORY), which
  * leaves the record without arrays and with one ready flag, or both, at 0. A delay
  * line of more than 2^31 - 1 samples is refused as missing memory. A failed check
