@@ -797,6 +797,51 @@ RVX_API int rvxzdConv(const ZCplx *x, int xLen, const double *h, int hLen, ZCplx
 RVX_API int rvxdzConv(const double *x, int xLen, const ZCplx *h, int hLen, ZCplx *y);
 
 /* ---------------------------------------------------------------------------
+ * Correlation
+ *
+ * Plain sums over a range of lags, without a mean taken off. Few lags are summed one
+ * by one, each sum in ascending order of i; many come from block transforms, when
+ * these need fewer operations by a fixed count (Rader 1970). Then a NaN or infinity
+ * spreads to other lags. Without memory for the transforms the sums are taken, and
+ * nothing is reported. dst must not overlap the sequences.
+ * ------------------------------------------------------------------------- */
+
+/* dst[L - loLag] = sum of conj(src1[i]) * src2[i + L] over all i that are in both
+ * sequences, for loLag <= L <= hiLag; 0 for a lag at which they do not meet. The peak
+ * is at the lag by which src2 is later than src1.
+ *   src1          len1 samples, conjugated where complex
+ *   src2          len2 samples; may be src1
+ *   dst           hiLag - loLag + 1 values
+ *   loLag, hiLag  of any sign
+ * In the three forms with a complex operand src2[0] counts as zero when the transforms
+ * are taken. These release the calling thread's tables of all Fourier transforms but
+ * in the form z, which leaves its own.
+ * Checks: src1, src2, dst null; len1, len2 below 1; loLag above hiLag. */
+RVX_API void rvxdCrossCorr(const double *src1, int len1, const double *src2, int len2, double *dst,
+                           int loLag, int hiLag);
+RVX_API void rvxzCrossCorr(const ZCplx *src1, int len1, const ZCplx *src2, int len2, ZCplx *dst,
+                           int loLag, int hiLag);
+RVX_API void rvxdzCrossCorr(const double *src1, int len1, const ZCplx *src2, int len2, ZCplx *dst,
+                            int loLag, int hiLag);
+RVX_API void rvxzdCrossCorr(const ZCplx *src1, int len1, const double *src2, int len2, ZCplx *dst,
+                            int loLag, int hiLag);
+
+/* Normalisations: r[k], r[k] / len, r[k] / (len - k). */
+enum { RVX_AUTOCORR_NORMAL = 0, RVX_AUTOCORR_BIASED = 1, RVX_AUTOCORR_UNBIASED = 2 };
+
+/* dst[k] = r[k], normalised, with r[k] = sum of conj(src[i]) * src[i + k] over
+ * 0 <= i < len - k, for 0 <= k < nLags.
+ *   src       len samples
+ *   dst       nLags values
+ *   nLags     1 to len
+ *   corrType  one of the three above
+ * The transforms release the calling thread's tables: the real form all of the Fourier
+ * transforms, the complex one those of bit reversal.
+ * Checks: src, dst null; len below 1; nLags below 1 or above len; another corrType. */
+RVX_API void rvxdAutoCorr(const double *src, int len, double *dst, int nLags, int corrType);
+RVX_API void rvxzAutoCorr(const ZCplx *src, int len, ZCplx *dst, int nLags, int corrType);
+
+/* ---------------------------------------------------------------------------
  * Windows
  *
  * vec[k] = vec[k] * w(k) for 0 <= k < n, in place, with symmetric weights
