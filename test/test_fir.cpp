@@ -129,9 +129,10 @@ TYPED_TEST(Fir, EveryRateAndPhaseIsTheFormula)
 
 TYPED_TEST(Fir, LongFiltersAtManyRatesAreTheFormula)
 {
-    const FirRates all[] = {{1, 0, 2, 1},  {2, 1, 1, 0},   {3, 2, 2, 1},      {2, 0, 3, 2},
-                            {1, 0, 16, 3}, {1, 0, 31, 30}, {1, 0, 33, 0},     {1, 0, 64, 63},
-                            {1, 0, 65, 1}, {1, 0, 100, 5}, {147, 11, 160, 9}, {7, 3, 5, 2}};
+    const FirRates all[] = {{1, 0, 2, 1},      {2, 1, 1, 0},   {3, 2, 2, 1},   {2, 0, 3, 2},
+                            {1, 0, 16, 3},     {1, 0, 31, 30}, {1, 0, 33, 0},  {1, 0, 64, 63},
+                            {1, 0, 65, 1},     {1, 0, 100, 5}, {1, 0, 128, 3}, {1, 0, 129, 0},
+                            {147, 11, 160, 9}, {7, 3, 5, 2}};
     for (const FirRates &rates : all)
         for (int tapsLen : {31, 128, 600, 1300, 5000})
             for (int steps : {3, 4, 37, 90})
@@ -161,7 +162,7 @@ TYPED_TEST(Fir, CutAnywhereEqualsOneCall)
 
 TYPED_TEST(Fir, OneSampleAndBlockCallsMixFreely)
 {
-    for (int tapsLen : {1, 2, 5, 64, 65, 66, 100, 257}) {
+    for (int tapsLen : {1, 2, 5, 31, 32, 33, 47, 48, 64, 65, 66, 100, 257}) {
         Filter<TypeParam> filter(tapsLen, {}, this->noise);
         const auto in = this->noise.template block<typename TypeParam::Sample>(2000);
         const auto expected = filter.expected(in);
@@ -196,6 +197,42 @@ TYPED_TEST(Fir, WindowGoesBackAtTheEndOfTheBuffer)
             ASSERT_EQ(static_cast<Sample *>(filter.state.dlylCur) - base, i % filter.state.bufLen);
         }
     }
+}
+
+// Long filters work ahead in some calls: none may see a sample too early or too late.
+TYPED_TEST(Fir, OneSampleCallsGiveTheSumInItsOrder)
+{
+    using Sample = typename TypeParam::Sample;
+    for (int tapsLen = 1; tapsLen <= 140; tapsLen += tapsLen < 70 ? 1 : 9) {
+        Filter<TypeParam> filter(tapsLen, {}, this->noise);
+        auto in = this->noise.template block<Sample>(3 * filter.state.bufLen);
+        const std::size_t last = in.size() - 1;
+        for (std::size_t i : {std::size_t{5}, last / 2, last - 2})
+            *reinterpret_cast<double *>(&in[i]) = i == 5 ? -0.0 : i == last - 2 ? QUIET : INF;
+        std::vector<typename TypeParam::Out> out;
+        for (const Sample &x : in)
+            out.push_back(TypeParam::one(&filter.state, x));
+        ASSERT_EQ(firstDifference(out, filter.expected(in)), -1) << tapsLen;
+    }
+}
+
+TYPED_TEST(Fir, ShortBlocksBetweenOneSampleCallsAreSeen)
+{
+    using Sample = typename TypeParam::Sample;
+    Filter<TypeParam> filter(80, {}, this->noise);
+    const auto in = this->noise.template block<Sample>(1500);
+    std::vector<typename TypeParam::Out> out;
+    for (auto at = in.begin(); at != in.end();) {
+        for (int i = this->noise.below(20); i > 0 && at != in.end(); --i, ++at)
+            out.push_back(TypeParam::one(&filter.state, *at));
+        const auto past = at + std::min<long>(this->noise.below(20), in.end() - at);
+        if (at == past)
+            continue;
+        const auto part = this->runBlock(filter, {at, past});
+        out.insert(out.end(), part.begin(), part.end());
+        at = past;
+    }
+    ASSERT_EQ(firstDifference(out, filter.expected(in)), -1);
 }
 
 // Up to `limit`, small numbers more often than large ones.

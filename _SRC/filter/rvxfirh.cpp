@@ -3,6 +3,10 @@
 // A block call filters the first samples from the delay buffer, where they follow
 // the past ones, and the others in place. Both rates are one computation: a
 // single-rate filter is a multi-rate one with one row and steps of one sample.
+//
+// The newest sample comes last in a sum. So a one-sample call can begin the sums of
+// the calls behind it, side by side, with the samples that are known by then: the
+// chain of additions that each call waits for is short, and its order the same.
 
 #include "rvx.h"
 
@@ -61,6 +65,25 @@ void slideWindow(rvxFirState &state)
     state.dlylCur = next;
 }
 
+// The sum of a long single-rate filter whose window begins at `window`, the newest
+// sample being there. Every RVX_FIR_AHEAD-th call from the base of the delay buffer
+// on begins the sums up to the next. Blocks take the window back to the base.
+template <typename Tap, typename Sample>
+RvxFirOut<Tap, Sample> continueSum(const rvxFirState &state, const Sample *window)
+{
+    constexpr int rest = RVX_FIR_AHEAD - 1;
+    const int known = state.tapsLen - rest;
+    const Tap *taps = static_cast<const Tap *>(state.taps);
+    void *behind = static_cast<Sample *>(state.dlylEnd) + state.dlylLen;
+    auto *sums = static_cast<RvxFirOut<Tap, Sample> *>(behind);
+    const auto turn = (window - static_cast<Sample *>(state.dlylBase)) % RVX_FIR_AHEAD;
+    if (turn == 0) {
+        const rvxFirPhaseRow row = {0, known, 0, 0};
+        rvxFirRun(RvxFirShape{&row, 1, 1, known, known - 1}, taps, window, sums, RVX_FIR_AHEAD);
+    }
+    return rvxFirSum(sums[turn], taps + known, window + known, rest);
+}
+
 // One sample through a single-rate filter. A multi-rate state gives a meaningless
 // sum, which ends at the newest sample all the same.
 template <typename Tap, typename Sample>
@@ -71,8 +94,10 @@ RvxFirOut<Tap, Sample> filterSample(const char *func, rvxFirState *statePtr, Sam
     RVX_REJECT_AS(func, statePtr->self != statePtr, "Must have been initialized", Out{});
     Sample *window = static_cast<Sample *>(statePtr->dlylCur);
     window[statePtr->dlylLen] = sample;
-    const Out sum = rvxFirSum(static_cast<const Tap *>(statePtr->taps), window,
-                              std::min(statePtr->tapsLen, statePtr->dlylLen + 1));
+    const bool worksAhead = statePtr->isMultiRate == 0 && statePtr->tapsLen >= 2 * RVX_FIR_AHEAD;
+    const Out sum = worksAhead ? continueSum<Tap>(*statePtr, window)
+                               : rvxFirSum(Out{}, static_cast<const Tap *>(statePtr->taps), window,
+                                           std::min(statePtr->tapsLen, statePtr->dlylLen + 1));
     slideWindow<Sample>(*statePtr);
     return sum;
 }

@@ -9,29 +9,31 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 
+#include "filter/rvxfirh_sums.h"
 #include "frame/rvxkernel.h"
 #include "frame/rvxlanes.h"
 
 namespace {
 
-// The doubles of a tile's planes, in the first cache beside taps and outputs.
-constexpr int RVX_TILE = 1024;
+// The doubles of a tile's planes, in the first cache beside taps and outputs: of
+// both sets where there are two.
+constexpr int RVX_TILE = 2048;
 // Planes begin at cache lines.
 constexpr int RVX_LINE = 8;
 // The planes once more, half a line further: of a vector that would cross a line
 // in the one set, the other has it inside a line. Crossing costs a second load,
-// and loads are the limit.
-constexpr int RVX_SHIFT = RVX_TILE + RVX_LINE / 2;
-// Registers that hold sums; complex samples want some for themselves.
+// and where one load serves one product, loads are the limit.
+constexpr int RVX_SHIFT = RVX_TILE / 2 + RVX_LINE / 2;
+// Registers that hold sums; complex taps and samples want some for themselves.
 constexpr int RVX_GROUP = 12;
 
 // Real filters longer than this gain from the second set more than planes cost.
 constexpr int RVX_SLIDE_LIMIT = 64;
 
-template <typename Element>
-constexpr int partsOf = sizeof(Element) / sizeof(double);
+// Whether one load serves one product, so that there are two sets of planes.
+template <typename Tap, typename Sample>
+constexpr bool hasTwoSets = partsOf<Tap> == 1 && partsOf<Sample> == 1;
 
 // A tile: `steps` steps from `src` on, of whose windows it holds the positions from
 // `begin` up to `end`. The sums are continued from `out` unless `begin` is 0.
@@ -44,113 +46,9 @@ struct FirTile {
     int steps;
     int begin;
     int end;
-    int stride; // from plane to plane
+    int stride;   // from plane to plane
+    bool isPlane; // src is the only plane, and the steps are a multiple of four
 };
-
-// The sums of four steps, and the taps that they share.
-struct RealSums {
-    Lanes re;
-};
-
-struct CplxSums {
-    Lanes re, im;
-};
-
-RVX_INLINE RealSums startSums(const double *)
-{
-    return {allLanes(0.0)};
-}
-
-RVX_INLINE CplxSums startSums(const ZCplx *)
-{
-    return {allLanes(0.0), allLanes(0.0)};
-}
-
-RVX_INLINE RealSums broadcast(double tap)
-{
-    return {allLanes(tap)};
-}
-
-RVX_INLINE CplxSums broadcast(ZCplx tap)
-{
-    return {allLanes(tap.re), allLanes(tap.im)};
-}
-
-RVX_INLINE RealSums loadSamples(const double *plane, int, const double *)
-{
-    return {loadLanes(plane)};
-}
-
-RVX_INLINE CplxSums loadSamples(const double *plane, int stride, const ZCplx *)
-{
-    return {loadLanes(plane), loadLanes(plane + stride)};
-}
-
-// sum + tap * sample. A real factor works on each part by itself, so that a NaN or
-// an infinity in one part stays there.
-RVX_INLINE RealSums addProduct(RealSums sum, RealSums tap, RealSums sample)
-{
-    return {sum.re + tap.re * sample.re};
-}
-
-RVX_INLINE CplxSums addProduct(CplxSums sum, CplxSums tap, RealSums sample)
-{
-    return {sum.re + tap.re * sample.re, sum.im + tap.im * sample.re};
-}
-
-RVX_INLINE CplxSums addProduct(CplxSums sum, RealSums tap, CplxSums sample)
-{
-    return {sum.re + tap.re * sample.re, sum.im + tap.re * sample.im};
-}
-
-RVX_INLINE CplxSums addProduct(CplxSums sum, CplxSums tap, CplxSums sample)
-{
-    return {sum.re + (tap.re * sample.re - tap.im * sample.im),
-            sum.im + (tap.re * sample.im + tap.im * sample.re)};
-}
-
-RVX_INLINE double addProduct(double sum, double tap, double sample)
-{
-    return sum + tap * sample;
-}
-
-RVX_INLINE ZCplx addProduct(ZCplx sum, ZCplx tap, double sample)
-{
-    return {sum.re + tap.re * sample, sum.im + tap.im * sample};
-}
-
-RVX_INLINE ZCplx addProduct(ZCplx sum, double tap, ZCplx sample)
-{
-    return {sum.re + tap * sample.re, sum.im + tap * sample.im};
-}
-
-RVX_INLINE ZCplx addProduct(ZCplx sum, ZCplx tap, ZCplx sample)
-{
-    return {sum.re + (tap.re * sample.re - tap.im * sample.im),
-            sum.im + (tap.re * sample.im + tap.im * sample.re)};
-}
-
-RVX_INLINE void storeFour(RealSums sums, double *out)
-{
-    storeLanes(out, sums.re);
-}
-
-RVX_INLINE void storeFour(CplxSums sums, ZCplx *out)
-{
-    storeLanes(out, interleaveLow(sums.re, sums.im));
-    storeLanes(out + 2, interleaveHigh(sums.re, sums.im));
-}
-
-RVX_INLINE RealSums loadFour(const double *out)
-{
-    return {loadLanes(out)};
-}
-
-RVX_INLINE CplxSums loadFour(const ZCplx *out)
-{
-    const Lanes low = loadLanes(out), high = loadLanes(out + 2);
-    return {evenElements(low, high), oddElements(low, high)};
-}
 
 // The first `count` of four sums, to or from outputs that stand rowCount apart.
 template <typename Out, typename Sums>
@@ -172,12 +70,13 @@ RVX_INLINE auto loadSums(const Out *out, int rowCount, int count)
 }
 
 // Where the sums of a row begin in a tile: its taps there, their number, and the
-// window position of the first, counted from the tile's own.
+// plane and column of the sample that meets the first in step 0.
 template <typename Tap>
 struct RowPart {
     const Tap *taps;
     int numTaps;
-    int position;
+    int phase;
+    int column;
 };
 
 template <typename Tap, typename Sample>
@@ -185,7 +84,27 @@ RVX_INLINE RowPart<Tap> partOf(const rvxFirPhaseRow &row, const FirTile<Tap, Sam
 {
     const int first = std::max(0, tile.begin - row.dlyOffset);
     const int past = std::min(row.numTaps, tile.end - row.dlyOffset);
-    return {tile.taps + row.tapOffset + first, past - first, row.dlyOffset + first - tile.begin};
+    const int position = row.dlyOffset + first - tile.begin, down = tile.shape.downFactor;
+    return {tile.taps + row.tapOffset + first, past - first, position % down, position / down};
+}
+
+// sums[k] += tap * the four samples from at + 4 * k on
+template <int Vectors, typename Tap, typename Sample, typename Sums>
+RVX_INLINE void addTap(const FirTile<Tap, Sample> &tile, Tap value, const double *at, Sums *sums)
+{
+    const auto tap = broadcast(value);
+    if constexpr (hasTwoSets<Tap, Sample>) {
+        const bool late = (reinterpret_cast<std::uintptr_t>(at) & 32) != 0;
+        const double *even = at + (late ? RVX_SHIFT : 0);
+        const double *odd = at + (late ? 0 : RVX_SHIFT);
+        for (int k = 0; k < Vectors; ++k)
+            sums[k] = addProduct(sums[k], tap, {loadLanes((k % 2 == 0 ? even : odd) + 4 * k)});
+    } else {
+        for (int k = 0; k < Vectors; ++k)
+            sums[k] = addProduct(
+                sums[k], tap,
+                loadSamples(at + 4 * k, tile.stride, static_cast<const Sample *>(nullptr)));
+    }
 }
 
 // The outputs of a row for 4 * Vectors steps from step m on, of which up to three
@@ -205,23 +124,21 @@ RVX_INLINE int sumGroup(const FirTile<Tap, Sample> &tile, const RowPart<Tap> &pa
                       ? startSums(out)
                       : loadSums(out + std::ptrdiff_t{4 * k} * rowCount, rowCount, count - 4 * k);
 
-    int phase = part.position % down;
+    int phase = part.phase;
     const int nextPhase = partsOf<Sample> * tile.stride;
     const int nextStep = 1 - down * nextPhase;
-    const double *at = planes + phase * nextPhase + part.position / down + m;
-    for (int i = 0; i < part.numTaps; ++i) {
-        const auto tap = broadcast(part.taps[i]);
-        const bool late = (reinterpret_cast<std::uintptr_t>(at) & 32) != 0;
-        const double *even = at + (late ? RVX_SHIFT : 0);
-        const double *odd = at + (late ? 0 : RVX_SHIFT);
-        for (int k = 0; k < Vectors; ++k)
-            sums[k] = addProduct(sums[k], tap,
-                                 loadSamples((k % 2 == 0 ? even : odd) + 4 * k, tile.stride,
-                                             static_cast<const Sample *>(nullptr)));
-        at += nextPhase;
-        if (++phase == down) {
-            phase = 0;
-            at += nextStep;
+    const double *at = planes + phase * nextPhase + part.column + m;
+    if (down == 1) {
+        for (int i = 0; i < part.numTaps; ++i)
+            addTap<Vectors>(tile, part.taps[i], at + i, sums);
+    } else {
+        for (int i = 0; i < part.numTaps; ++i) {
+            addTap<Vectors>(tile, part.taps[i], at, sums);
+            at += nextPhase;
+            if (++phase == down) {
+                phase = 0;
+                at += nextStep;
+            }
         }
     }
 
@@ -235,63 +152,79 @@ RVX_INLINE int sumGroup(const FirTile<Tap, Sample> &tile, const RowPart<Tap> &pa
     return m + 4 * Vectors;
 }
 
-// planes[(i % period) * stride + i / period] = src[i] for i below n, in both sets,
-// and zeros behind the last, as far as vectors reach.
+// To one set of planes, or to both.
+template <bool TwoSets>
+RVX_INLINE void storePlanes(double *at, Lanes values)
+{
+    storeLanes(at, values);
+    if (TwoSets)
+        storeLanes(at + RVX_SHIFT, values);
+}
+
+template <bool TwoSets>
+RVX_INLINE void storePlanes(double *at, double value)
+{
+    *at = value;
+    if (TwoSets)
+        at[RVX_SHIFT] = value;
+}
+
+// planes[(i % period) * stride + i / period] = src[i] for i below n, and zeros
+// behind the last, as far as vectors reach.
+template <bool TwoSets>
 RVX_INLINE void dealPlanes(const double *src, int n, int period, double *planes, int stride)
 {
     const int columns = n / period;
     int done = 0;
     if (period == 1) {
-        for (; done + 4 <= columns; done += 4) {
-            const Lanes x = loadLanes(src + done);
-            storeLanes(planes + done, x);
-            storeLanes(planes + done + RVX_SHIFT, x);
-        }
+        for (; done + 4 <= columns; done += 4)
+            storePlanes<TwoSets>(planes + done, loadLanes(src + done));
     } else if (period == 2) {
         for (; done + 4 <= columns; done += 4) {
             const Lanes low = loadLanes(src + 2 * done), high = loadLanes(src + 2 * done + 4);
-            const Lanes even = evenElements(low, high), odd = oddElements(low, high);
-            storeLanes(planes + done, even);
-            storeLanes(planes + done + RVX_SHIFT, even);
-            storeLanes(planes + stride + done, odd);
-            storeLanes(planes + stride + done + RVX_SHIFT, odd);
+            storePlanes<TwoSets>(planes + done, evenElements(low, high));
+            storePlanes<TwoSets>(planes + stride + done, oddElements(low, high));
         }
     }
     for (int r = 0; r < period; ++r) {
         double *plane = planes + r * stride;
         const int length = columns + (r < n % period ? 1 : 0);
         for (int q = done; q < length; ++q)
-            plane[q] = plane[q + RVX_SHIFT] = src[q * period + r];
+            storePlanes<TwoSets>(plane + q, src[q * period + r]);
         for (int q = length; q < columns + 4; ++q)
-            plane[q] = plane[q + RVX_SHIFT] = 0.0;
+            storePlanes<TwoSets>(plane + q, 0.0);
     }
 }
 
 template <typename Tap, typename Sample>
 RVX_INLINE void filterTile(const FirTile<Tap, Sample> &tile)
 {
-    alignas(64) double planes[RVX_SHIFT + RVX_TILE];
+    alignas(64) double planes[RVX_TILE + RVX_LINE];
     const RvxFirShape &shape = tile.shape;
     const int samples = (tile.steps - 1) * shape.downFactor + tile.end - tile.begin;
     // Parts of a complex value are two doubles in a row.
-    dealPlanes(reinterpret_cast<const double *>(tile.src), samples * partsOf<Sample>,
-               shape.downFactor * partsOf<Sample>, planes, tile.stride);
+    const auto *src = reinterpret_cast<const double *>(tile.src);
+    if (!tile.isPlane)
+        dealPlanes<hasTwoSets<Tap, Sample>>(src, samples * partsOf<Sample>,
+                                            shape.downFactor * partsOf<Sample>, planes,
+                                            tile.stride);
     constexpr int widest = partsOf<Sample> == 2 ? 4 : RVX_GROUP / partsOf<Tap>;
     for (int i = 0; i < shape.rowCount; ++i) {
         const RowPart<Tap> part = partOf(shape.rows[i], tile);
         if (part.numTaps <= 0 && tile.begin > 0)
             continue;
         RvxFirOut<Tap, Sample> *out = tile.out + i;
+        const double *first = tile.isPlane ? src : planes;
         const int vectors = (tile.steps + 3) / 4;
         int m = 0;
         while (4 * vectors - m >= 4 * widest)
-            m = sumGroup<widest>(tile, part, planes, m, out);
+            m = sumGroup<widest>(tile, part, first, m, out);
         while (4 * vectors - m >= 16)
-            m = sumGroup<4>(tile, part, planes, m, out);
+            m = sumGroup<4>(tile, part, first, m, out);
         if (4 * vectors - m >= 8)
-            m = sumGroup<2>(tile, part, planes, m, out);
+            m = sumGroup<2>(tile, part, first, m, out);
         if (4 * vectors - m >= 4)
-            sumGroup<1>(tile, part, planes, m, out);
+            sumGroup<1>(tile, part, first, m, out);
     }
 }
 
@@ -335,13 +268,12 @@ void runTile(const FirTile<double, ZCplx> &tile)
     firTileCplxReal(tile);
 }
 
-// Real taps at a single rate: the samples need no planes, and complex ones are two
-// doubles in a row, Lag = 2 from tap to tap. Up to eight taps stay in registers and
-// the sums pass by, each a vector behind the next: a vector of samples then serves
-// as many taps as sums are on their way.
-template <int Lag, int Taps>
+// Real filters at a single rate need no planes. Up to eight taps stay in registers
+// and the sums pass by, each a vector behind the next: a vector of samples then
+// serves as many taps as sums are on their way.
+template <int Taps>
 struct Slide {
-    static constexpr int shifts = Taps < 4 / Lag ? Taps : 4 / Lag;
+    static constexpr int shifts = Taps < 4 ? Taps : 4;
     static constexpr int stages = Taps / shifts;
     Lanes taps[Taps];
     Lanes sums[stages];
@@ -353,7 +285,7 @@ struct Slide {
             sums[j] = sums[j - 1];
         sums[0] = entering;
         for (int s = 0; s < shifts; ++s) {
-            const Lanes sample = loadLanesOnce(x + s * Lag);
+            const Lanes sample = loadLanesOnce(x + s);
             for (int j = 0; j < stages; ++j)
                 sums[j] = sums[j] + taps[j * shifts + s] * sample;
         }
@@ -361,12 +293,12 @@ struct Slide {
     }
 };
 
-// out[i] += sum of taps[k] * x[i + Lag * k] over k below Taps, for i below n, a
-// multiple of 4; out counts as 0.0 if `first`.
-template <int Lag, int Taps>
+// out[i] += sum of taps[k] * x[i + k] over k below Taps, for i below n, a multiple
+// of 4; out counts as 0.0 if `first`.
+template <int Taps>
 RVX_INLINE void slidePass(const double *taps, const double *x, double *out, int n, bool first)
 {
-    Slide<Lag, Taps> slide;
+    Slide<Taps> slide;
     for (int k = 0; k < Taps; ++k)
         slide.taps[k] = allLanes(taps[k]);
     const Lanes zero = allLanes(0.0);
@@ -389,32 +321,73 @@ RVX_INLINE void slidePass(const double *taps, const double *x, double *out, int 
         storeLanes(out + i - ahead, slide.advance(zero, x + i));
 }
 
-template <int Lag>
-RVX_INLINE void slideTaps(const double *taps, int numTaps, const double *x, double *out, int n)
+// out[i] = sum of taps[k] * x[i + k], for i below n, a multiple of 4.
+RVX_KERNEL void firSlide(const double *taps, int numTaps, const double *x, double *out, int n)
 {
     constexpr int tile = 512;
     for (int from = 0; from < n; from += tile) {
         const int part = std::min(tile, n - from);
         int k = 0;
         for (; k + 8 <= numTaps; k += 8)
-            slidePass<Lag, 8>(taps + k, x + from + Lag * k, out + from, part, k == 0);
+            slidePass<8>(taps + k, x + from + k, out + from, part, k == 0);
         for (; k + 4 <= numTaps; k += 4)
-            slidePass<Lag, 4>(taps + k, x + from + Lag * k, out + from, part, k == 0);
+            slidePass<4>(taps + k, x + from + k, out + from, part, k == 0);
         for (; k + 2 <= numTaps; k += 2)
-            slidePass<Lag, 2>(taps + k, x + from + Lag * k, out + from, part, k == 0);
+            slidePass<2>(taps + k, x + from + k, out + from, part, k == 0);
         for (; k < numTaps; ++k)
-            slidePass<Lag, 1>(taps + k, x + from + Lag * k, out + from, part, k == 0);
+            slidePass<1>(taps + k, x + from + k, out + from, part, k == 0);
     }
 }
 
-RVX_KERNEL void firSlideReal(const double *taps, int numTaps, const double *x, double *out, int n)
+// The tap in all lanes, by a load of its own: compilers would load several in a row
+// as one vector and spread them by shuffles, in the units that multiply and add.
+RVX_INLINE Lanes loadTap(const double *tap)
 {
-    slideTaps<1>(taps, numTaps, x, out, n);
+    return allLanes(*static_cast<const volatile double *>(tap));
 }
 
-RVX_KERNEL void firSlideParts(const double *taps, int numTaps, const double *x, double *out, int n)
+// Complex samples with real taps are doubles two of which belong to one tap: a
+// vector of samples meets a tap of one sum and, two taps before, of the next. Four
+// taps at a time, so that it is loaded once for both.
+template <int Vectors>
+RVX_INLINE void pairedSums(const double *taps, int numTaps, const double *x, double *out)
 {
-    slideTaps<2>(taps, numTaps, x, out, n);
+    Lanes sums[Vectors];
+    for (Lanes &sum : sums)
+        sum = allLanes(0.0);
+    int k = 0;
+    for (; k + 4 <= numTaps; k += 4, x += 8) {
+        const Lanes tap0 = loadTap(taps + k), tap1 = loadTap(taps + k + 1);
+        const Lanes tap2 = loadTap(taps + k + 2), tap3 = loadTap(taps + k + 3);
+        Lanes even = loadLanesOnce(x), odd = loadLanesOnce(x + 2);
+        for (int v = 0; v < Vectors; ++v) {
+            const Lanes nextEven = loadLanesOnce(x + 4 * v + 4);
+            const Lanes nextOdd = loadLanesOnce(x + 4 * v + 6);
+            sums[v] = sums[v] + tap0 * even;
+            sums[v] = sums[v] + tap1 * odd;
+            sums[v] = sums[v] + tap2 * nextEven;
+            sums[v] = sums[v] + tap3 * nextOdd;
+            even = nextEven;
+            odd = nextOdd;
+        }
+    }
+    for (; k < numTaps; ++k, x += 2)
+        for (int v = 0; v < Vectors; ++v)
+            sums[v] = sums[v] + allLanes(taps[k]) * loadLanesOnce(x + 4 * v);
+    for (int v = 0; v < Vectors; ++v)
+        storeLanes(out + 4 * v, sums[v]);
+}
+
+// out[i] = sum of taps[k] * x[i + 2 * k], for i below n, a multiple of 4.
+RVX_KERNEL void firPaired(const double *taps, int numTaps, const double *x, double *out, int n)
+{
+    int i = 0;
+    for (; i + 32 <= n; i += 32)
+        pairedSums<8>(taps, numTaps, x + i, out + i);
+    for (; i + 8 <= n; i += 8)
+        pairedSums<2>(taps, numTaps, x + i, out + i);
+    for (; i < n; i += 4)
+        pairedSums<1>(taps, numTaps, x + i, out + i);
 }
 
 // Four steps of a row side by side, without planes.
@@ -456,7 +429,7 @@ void runPlainly(const RvxFirShape &shape, const Tap *taps, const Sample *window,
                 sumFour(rowTaps, row.numTaps, first + m * down, shape.downFactor, out + m * up + i,
                         up);
             for (; m < past; ++m)
-                out[m * up + i] = rvxFirSum(rowTaps, first + m * down, row.numTaps);
+                out[m * up + i] = rvxFirSum(Out{}, rowTaps, first + m * down, row.numTaps);
         }
     }
 }
@@ -476,13 +449,13 @@ void runSliding(const RvxFirShape &shape, const Tap *taps, const Sample *window,
             const auto *x = reinterpret_cast<const double *>(window + m);
             auto *y = reinterpret_cast<double *>(out + m);
             if (parts == 1)
-                firSlideReal(taps, shape.tapsLen, x, y, n);
+                firSlide(taps, shape.tapsLen, x, y, n);
             else
-                firSlideParts(taps, shape.tapsLen, x, y, n);
+                firPaired(taps, shape.tapsLen, x, y, n);
             m += n / parts;
         }
         for (; m < steps; ++m)
-            out[m] = rvxFirSum(taps, window + m, shape.tapsLen);
+            out[m] = rvxFirSum(Out{}, taps, window + m, shape.tapsLen);
     }
 }
 
@@ -493,9 +466,9 @@ struct TileSize {
     int stride;
 };
 
-TileSize tileSize(int period, int viewSpan)
+TileSize tileSize(int period, int sets, int viewSpan)
 {
-    const int stride = RVX_TILE / period / RVX_LINE * RVX_LINE;
+    const int stride = RVX_TILE / sets / period / RVX_LINE * RVX_LINE;
     const int span = std::min(viewSpan, stride / 2);
     const int steps = stride - span - 3;
     constexpr int widest = 4 * RVX_GROUP;
@@ -509,19 +482,27 @@ void rvxFirRun(const RvxFirShape &shape, const Tap *taps, const Sample *window,
                RvxFirOut<Tap, Sample> *out, std::ptrdiff_t steps)
 {
     constexpr int minStride = 2 * RVX_LINE;
+    constexpr int sets = hasTwoSets<Tap, Sample> ? 2 : 1;
     const std::int64_t period = std::int64_t{partsOf<Sample>} * shape.downFactor;
     const bool slides = partsOf<Tap> == 1 && shape.downFactor == 1 && shape.rowCount == 1;
     if (slides && (partsOf<Sample> == 2 || shape.tapsLen <= RVX_SLIDE_LIMIT)) {
         runSliding(shape, taps, window, out, steps);
         return;
     }
-    if (steps < 4 || period * minStride > RVX_TILE || shape.tapsLen < 4 * shape.rowCount) {
+    if (steps < 4 || period * sets * minStride > RVX_TILE || shape.tapsLen < 4 * shape.rowCount) {
         runPlainly(shape, taps, window, out, steps);
         return;
     }
+    // Real samples that meet complex taps serve two products a load as they are.
+    const bool isPlane =
+        partsOf<Sample> == 1 && partsOf<Tap> == 2 && shape.downFactor == 1 && shape.rowCount == 1;
+    if (isPlane && steps % 4 != 0) {
+        runPlainly(shape, taps, window + steps / 4 * 4, out + steps / 4 * 4, steps % 4);
+        steps -= steps % 4;
+    }
     const int down = shape.downFactor;
     const int viewLen = shape.dlylLen + down;
-    const TileSize size = tileSize(static_cast<int>(period), (viewLen + down - 1) / down);
+    const TileSize size = tileSize(static_cast<int>(period), sets, (viewLen + down - 1) / down);
     for (std::ptrdiff_t m = 0; m < steps; m += size.steps) {
         const int tileSteps = static_cast<int>(std::min<std::ptrdiff_t>(steps - m, size.steps));
         for (std::int64_t begin = 0; begin < viewLen; begin += size.span * down) {
@@ -529,15 +510,15 @@ void rvxFirRun(const RvxFirShape &shape, const Tap *taps, const Sample *window,
                 static_cast<int>(std::min<std::int64_t>(viewLen, begin + size.span * down));
             runTile(FirTile<Tap, Sample>{shape, taps, window + m * down + begin,
                                          out + m * shape.rowCount, tileSteps,
-                                         static_cast<int>(begin), end, size.stride});
+                                         static_cast<int>(begin), end, size.stride, isPlane});
         }
     }
 }
 
 template <typename Tap, typename Sample>
-RvxFirOut<Tap, Sample> rvxFirSum(const Tap *taps, const Sample *window, int n)
+RvxFirOut<Tap, Sample> rvxFirSum(RvxFirOut<Tap, Sample> sum, const Tap *taps, const Sample *window,
+                                 int n)
 {
-    RvxFirOut<Tap, Sample> sum = {};
     for (int k = 0; k < n; ++k)
         sum = addProduct(sum, taps[k], window[k]);
     return sum;
@@ -550,7 +531,7 @@ template void rvxFirRun(const RvxFirShape &, const ZCplx *, const double *, ZCpl
                         std::ptrdiff_t);
 template void rvxFirRun(const RvxFirShape &, const double *, const ZCplx *, ZCplx *,
                         std::ptrdiff_t);
-template double rvxFirSum(const double *, const double *, int);
-template ZCplx rvxFirSum(const ZCplx *, const ZCplx *, int);
-template ZCplx rvxFirSum(const ZCplx *, const double *, int);
-template ZCplx rvxFirSum(const double *, const ZCplx *, int);
+template double rvxFirSum(double, const double *, const double *, int);
+template ZCplx rvxFirSum(ZCplx, const ZCplx *, const ZCplx *, int);
+template ZCplx rvxFirSum(ZCplx, const ZCplx *, const double *, int);
+template ZCplx rvxFirSum(ZCplx, const double *, const ZCplx *, int);

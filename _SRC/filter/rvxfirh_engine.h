@@ -31,8 +31,9 @@ template <typename Tap, typename Sample>
 void rvxFirRun(const RvxFirShape &shape, const Tap *taps, const Sample *window,
                RvxFirOut<Tap, Sample> *out, std::ptrdiff_t steps);
 
-// One such sum: of taps[k] * window[k] over k below n.
+// One such sum, continued: sum + the taps[k] * window[k] over k below n.
 template <typename Tap, typename Sample>
-RvxFirOut<Tap, Sample> rvxFirSum(const Tap *taps, const Sample *window, int n);
+RvxFirOut<Tap, Sample> rvxFirSum(RvxFirOut<Tap, Sample> sum, const Tap *taps, const Sample *window,
+                                 int n);
 
 #endif

@@ -14,6 +14,7 @@
 #include <cstring>
 #include <type_traits>
 
+#include "filter/rvxfirh_engine.h"
 #include "frame/rvxbuffer.h"
 #include "frame/rvxcheck.h"
 
@@ -136,7 +137,8 @@ int rvxFirStateInit(const Tap *tapVals, int tapsLen, const Sample *dlyVals, int 
     state.bufLen = fits ? static_cast<int>(slide) : 0;
 
     state.taps = allocElements<Tap>(tapsLen);
-    state.dlylBase = fits ? allocElements<Sample>(state.dlylLen + slide) : nullptr;
+    constexpr int ahead = RVX_FIR_AHEAD * sizeof(RvxFirOut<Tap, Sample>) / sizeof(Sample);
+    state.dlylBase = fits ? allocElements<Sample>(state.dlylLen + slide + ahead) : nullptr;
     if (state.isMultiRate != 0)
         state.phaseTable = static_cast<rvxFirPhaseRow *>(allocElements<rvxFirPhaseRow>(upFactor));
     if (state.taps == nullptr || state.dlylBase == nullptr ||

@@ -5,6 +5,10 @@
 
 #include "rvx.h"
 
+// One-sample calls work ahead on so many outputs; their sums stand behind the delay
+// line.
+constexpr int RVX_FIR_AHEAD = 16;
+
 // Initialises *statePtr, releasing the arrays of a live state first. All arguments
 // but the values, which may be null for zeros, are known to be good. Gives 1, or 0
 // where memory is missing; the state is then not initialised and owns nothing.
