@@ -1,10 +1,10 @@
 // Direct form, blocks.
 //
-// An output needs the one before it through four operations, and no order of work
-// shortens that. Low orders keep the delay line in registers beside the chain. From
-// order 8 on four outputs are made first, from the front of the delay line, and
-// then all four samples pass through the rest of it at once, several elements side
-// by side.
+// An output needs the one before it through four operations, five if it is complex,
+// and no order of work shortens that. Low orders keep the delay line in registers
+// beside the chain. In higher ones a vector of outputs is made first, from the front
+// of the delay line, and then their samples pass through the rest of it together,
+// a vector of elements at a time: it moves by whole vectors.
 
 #include "filter/rvxiirl_engines.h"
 #include "filter/rvxiirl_steps.h"
@@ -24,154 +24,108 @@ RVX_INLINE void scaleBlock(const Tap *taps, const Sample *in, IirElement<Tap, Sa
         out[i] = tapTimes(gain, in[i]);
 }
 
-template <int order, typename Tap, typename Sample>
-RVX_INLINE void lowOrderBlock(const Tap *taps, IirElement<Tap, Sample> *d, const Sample *in,
-                              IirElement<Tap, Sample> *out, int n)
+// 1 <= order <= held
+template <int held, typename Tap, typename Sample>
+RVX_INLINE void heldBlock(const Tap *taps, int order, IirElement<Tap, Sample> *d, const Sample *in,
+                          IirElement<Tap, Sample> *out, int n)
 {
-    Tap t[2 * order + 1];
-    IirElement<Tap, Sample> held[order];
-    for (int i = 0; i <= 2 * order; ++i)
+    if constexpr (held > 1)
+        if (order < held)
+            return heldBlock<held - 1>(taps, order, d, in, out, n);
+    Tap t[2 * held + 1];
+    IirElement<Tap, Sample> elements[held];
+    for (int i = 0; i <= 2 * held; ++i)
         t[i] = taps[i];
-    for (int i = 0; i < order; ++i)
-        held[i] = d[i];
+    for (int i = 0; i < held; ++i)
+        elements[i] = d[i];
     for (int i = 0; i < n; ++i)
-        out[i] = directStep(t, order, held, in[i]);
-    for (int i = 0; i < order; ++i)
-        d[i] = held[i];
+        out[i] = directStep(t, held, elements, in[i]);
+    for (int i = 0; i < held; ++i)
+        d[i] = elements[i];
 }
 
 // ---------------------------------------------------------------------------
-// Four samples at a time.
-
-// A sample in the form in which it meets the taps of a vector of delay elements:
-// four real ones or two complex ones.
-template <typename Tap, typename Value>
-struct Spread;
-
-template <>
-struct Spread<double, double> {
-    Lanes all;
-    RVX_INLINE explicit Spread(double x) : all(allLanes(x)) {}
-    RVX_INLINE Lanes times(const double *taps) const { return loadLanes(taps) * all; }
-};
-
-template <>
-struct Spread<ZCplx, double> {
-    Lanes all;
-    RVX_INLINE explicit Spread(double x) : all(allLanes(x)) {}
-    RVX_INLINE Lanes times(const ZCplx *taps) const { return loadLanes(taps) * all; }
-};
-
-template <>
-struct Spread<double, ZCplx> {
-    Lanes both;
-    RVX_INLINE explicit Spread(ZCplx x) : both(allLanes(x)) {}
-    RVX_INLINE Lanes times(const double *taps) const
-    {
-        return lanesOf(taps[0], taps[0], taps[1], taps[1]) * both;
-    }
-};
-
-template <>
-struct Spread<ZCplx, ZCplx> {
-    Lanes re, im;
-    RVX_INLINE explicit Spread(ZCplx x) : re(allLanes(x.re)), im(allLanes(x.im)) {}
-    RVX_INLINE Lanes times(const ZCplx *taps) const
-    {
-        const Lanes t = loadLanes(taps);
-        return subAdd(t * re, swapParts(t) * im);
-    }
-};
+// Four real samples at a time.
 
 constexpr int RVX_IIR_BATCH = 4;
-constexpr int RVX_IIR_BATCH_ORDER = 2 * RVX_IIR_BATCH; // the lowest that goes in batches
 
-template <typename Tap, typename Sample>
-struct Batch {
-    using Element = IirElement<Tap, Sample>;
-    static constexpr int width = 4 * sizeof(double) / sizeof(Element);
-    const Tap *taps;
+struct RealBatch {
+    const double *taps;
     int order;
-    Sample x[RVX_IIR_BATCH];
-    Element y[RVX_IIR_BATCH];
+    double x[RVX_IIR_BATCH], y[RVX_IIR_BATCH];
 
     // The outputs, with the first delay elements in front.
-    RVX_INLINE void makeOutputs(const Element *front)
+    RVX_INLINE void makeOutputs(const double *front)
     {
         for (int k = 0; k < RVX_IIR_BATCH; ++k) {
-            Element sum = front[k];
+            double sum = front[k];
             for (int i = RVX_IIR_BATCH - 1; i >= 1; --i)
                 if (i <= k)
-                    sum = delayPlus(term(i, k - i), sum);
-            y[k] = delayPlus(tapTimes(taps[0], x[k]), sum);
+                    sum = term(i, k - i) + sum;
+            y[k] = tapTimes(taps[0], x[k]) + sum;
         }
     }
 
     // b[i] x - a[i] y of the k-th sample.
-    RVX_INLINE Element term(int i, int k) const { return directTerm(taps, order, i, x[k], y[k]); }
+    RVX_INLINE double term(int i, int k) const { return directTerm(taps, order, i, x[k], y[k]); }
 
     // What delay element j is four samples later: what stood four places up, and a
     // term of each sample that met it on its way down. j + 4 < order.
-    RVX_INLINE Element moved(const Element *d, int j) const
+    RVX_INLINE double moved(const double *d, int j) const
     {
-        Element sum = d[j + RVX_IIR_BATCH];
+        double sum = d[j + RVX_IIR_BATCH];
         for (int k = 0; k < RVX_IIR_BATCH; ++k)
-            sum = delayPlus(term(j + RVX_IIR_BATCH - k, k), sum);
+            sum = term(j + RVX_IIR_BATCH - k, k) + sum;
         return sum;
     }
 
     // One of the last four elements, order - 4 + r: no sum reaches it from above,
     // and it begins with the term of sample r.
-    RVX_INLINE Element entered(int r) const
+    RVX_INLINE double entered(int r) const
     {
-        Element sum = term(order, r);
+        double sum = term(order, r);
         for (int k = 1; k < RVX_IIR_BATCH; ++k)
             if (k > r)
-                sum = delayPlus(term(order - k + r, k), sum);
+                sum = term(order - k + r, k) + sum;
         return sum;
     }
 };
 
-// The samples of a batch ready for vectors of taps.
-template <typename Tap, typename Sample>
+// The samples of a batch for vectors of taps.
 struct SpreadBatch {
-    using Element = IirElement<Tap, Sample>;
-    const Spread<Tap, Sample> x[RVX_IIR_BATCH];
-    const Spread<Tap, Element> y[RVX_IIR_BATCH];
+    Lanes x[RVX_IIR_BATCH], y[RVX_IIR_BATCH];
 
-    RVX_INLINE explicit SpreadBatch(const Batch<Tap, Sample> &batch)
-        : x{Spread<Tap, Sample>(batch.x[0]), Spread<Tap, Sample>(batch.x[1]),
-            Spread<Tap, Sample>(batch.x[2]), Spread<Tap, Sample>(batch.x[3])},
-          y{Spread<Tap, Element>(batch.y[0]), Spread<Tap, Element>(batch.y[1]),
-            Spread<Tap, Element>(batch.y[2]), Spread<Tap, Element>(batch.y[3])}
+    RVX_INLINE explicit SpreadBatch(const RealBatch &batch)
     {
+        for (int k = 0; k < RVX_IIR_BATCH; ++k) {
+            x[k] = allLanes(batch.x[k]);
+            y[k] = allLanes(batch.y[k]);
+        }
     }
 
-    // Batch::moved for a vector of elements from j on.
-    RVX_INLINE Lanes moved(const Tap *taps, int order, const Element *d, int j) const
+    // RealBatch::moved for the four elements from j on.
+    RVX_INLINE Lanes moved(const double *taps, int order, const double *d, int j) const
     {
         Lanes sum = loadLanes(d + j + RVX_IIR_BATCH);
         for (int k = 0; k < RVX_IIR_BATCH; ++k) {
-            const Tap *b = taps + j + RVX_IIR_BATCH - k;
-            sum = (x[k].times(b) - y[k].times(b + order)) + sum;
+            const double *b = taps + j + RVX_IIR_BATCH - k;
+            sum = (loadLanes(b) * x[k] - loadLanes(b + order) * y[k]) + sum;
         }
         return sum;
     }
 };
 
-template <typename Tap, typename Sample>
-RVX_INLINE void highOrderBlock(const Tap *taps, int order, IirElement<Tap, Sample> *d,
-                               const Sample *in, IirElement<Tap, Sample> *out, int n)
+// order >= 8
+RVX_INLINE void longBlock(const double *taps, int order, double *d, const double *in, double *out,
+                          int n)
 {
-    using Element = IirElement<Tap, Sample>;
-    constexpr int width = Batch<Tap, Sample>::width;
     // The first elements stay in registers: the next outputs wait for them.
-    Element front[RVX_IIR_BATCH];
+    double front[RVX_IIR_BATCH];
     for (int k = 0; k < RVX_IIR_BATCH; ++k)
         front[k] = d[k];
     int i = 0;
     for (; i < n - (RVX_IIR_BATCH - 1); i += RVX_IIR_BATCH) {
-        Batch<Tap, Sample> batch;
+        RealBatch batch;
         batch.taps = taps;
         batch.order = order;
         for (int k = 0; k < RVX_IIR_BATCH; ++k)
@@ -179,11 +133,10 @@ RVX_INLINE void highOrderBlock(const Tap *taps, int order, IirElement<Tap, Sampl
         batch.makeOutputs(front);
         for (int k = 0; k < RVX_IIR_BATCH; ++k)
             out[i + k] = batch.y[k];
-        const SpreadBatch<Tap, Sample> spread(batch);
-        for (int k = 0; k < RVX_IIR_BATCH; k += width)
-            storeLanes(front + k, spread.moved(taps, order, d, k));
+        const SpreadBatch spread(batch);
+        storeLanes(front, spread.moved(taps, order, d, 0));
         int j = RVX_IIR_BATCH;
-        for (; j <= order - RVX_IIR_BATCH - width; j += width)
+        for (; j <= order - 2 * RVX_IIR_BATCH; j += RVX_IIR_BATCH)
             storeLanes(d + j, spread.moved(taps, order, d, j));
         for (; j < order - RVX_IIR_BATCH; ++j)
             d[j] = batch.moved(d, j);
@@ -196,31 +149,119 @@ RVX_INLINE void highOrderBlock(const Tap *taps, int order, IirElement<Tap, Sampl
         out[i] = directStep(taps, order, d, in[i]);
 }
 
+// ---------------------------------------------------------------------------
+// Two samples at a time, complex delay elements. A vector is two elements, and all
+// values are vectors from the start: parts put together in memory would be waited
+// for.
+
+// Two taps, each for both parts of an element.
+template <typename Tap>
+struct TapPair;
+
+template <>
+struct TapPair<double> {
+    Lanes taps;
+    RVX_INLINE explicit TapPair(double one) : taps(allLanes(one)) {}
+    RVX_INLINE explicit TapPair(const double *two) : taps(lanesOf(two[0], two[0], two[1], two[1]))
+    {
+    }
+};
+
+template <>
+struct TapPair<ZCplx> {
+    Lanes taps;
+    RVX_INLINE explicit TapPair(ZCplx one) : taps(allLanes(one)) {}
+    RVX_INLINE explicit TapPair(const ZCplx *two) : taps(loadLanes(two)) {}
+};
+
+// A value that both elements of a vector meet.
+template <typename Value>
+struct Twice;
+
+template <>
+struct Twice<double> {
+    Lanes all;
+    RVX_INLINE explicit Twice(double x) : all(allLanes(x)) {}
+    RVX_INLINE Lanes times(const TapPair<ZCplx> &pair) const { return pair.taps * all; }
+};
+
+template <>
+struct Twice<ZCplx> {
+    Lanes both, re, im;
+    RVX_INLINE explicit Twice(Lanes x) : both(x), re(realParts(x)), im(imagParts(x)) {}
+    RVX_INLINE explicit Twice(ZCplx x) : Twice(allLanes(x)) {}
+    RVX_INLINE Lanes times(const TapPair<double> &pair) const { return pair.taps * both; }
+    RVX_INLINE Lanes times(const TapPair<ZCplx> &pair) const
+    {
+        return subAdd(pair.taps * re, swapParts(pair.taps) * im);
+    }
+};
+
+// b x - a y for one tap of each kind or for two in a row.
+template <typename Tap, typename Sample, typename Taps>
+RVX_INLINE Lanes pairTerm(Taps b, Taps a, const Twice<Sample> &x, const Twice<ZCplx> &y)
+{
+    return x.times(TapPair<Tap>(b)) - y.times(TapPair<Tap>(a));
+}
+
+// order >= 4
+template <typename Tap, typename Sample>
+RVX_INLINE void longBlock(const Tap *taps, int order, ZCplx *d, const Sample *in, ZCplx *out, int n)
+{
+    const Tap *b = taps, *a = taps + order;
+    Lanes front = loadLanes(d);
+    int i = 0;
+    for (; i < n - 1; i += 2) {
+        const Twice<Sample> x0(in[i]), x1(in[i + 1]);
+        const Twice<ZCplx> y0(x0.times(TapPair<Tap>(b[0])) + firstHalfTwice(front));
+        const Lanes older = pairTerm<Tap>(b[1], a[1], x0, y0) + lastHalfTwice(front);
+        const Twice<ZCplx> y1(x1.times(TapPair<Tap>(b[0])) + older);
+        storeFirst(out + i, y0.both);
+        storeFirst(out + i + 1, y1.both);
+
+        // Elements j and j + 1 two samples later.
+        const auto moved = [&](int j) __attribute__((always_inline))
+        {
+            const Lanes sum = pairTerm<Tap>(b + j + 2, a + j + 2, x0, y0) + loadLanes(d + j + 2);
+            return pairTerm<Tap>(b + j + 1, a + j + 1, x1, y1) + sum;
+        };
+        front = moved(0);
+        int j = 2;
+        for (; j <= order - 4; j += 2)
+            storeLanes(d + j, moved(j));
+        // An odd one goes together with its neighbour, once more.
+        if (j == order - 3)
+            storeLanes(d + j - 1, moved(j - 1));
+        // No sum reaches the last two from above: the later one is a term alone, and
+        // adding -0.0 changes nothing.
+        const Lanes first = pairTerm<Tap>(b[order], a[order], x0, y0);
+        storeLanes(d + order - 2, pairTerm<Tap>(b + order - 1, a + order - 1, x1, y1) +
+                                      outerHalves(first, allLanes(-0.0)));
+    }
+    storeLanes(d, front);
+    for (; i < n; ++i)
+        out[i] = directStep(taps, order, d, in[i]);
+}
+
+// The highest order whose delay line is held in registers.
+template <typename Tap, typename Element>
+constexpr int RVX_IIR_HELD_ORDER = 3;
+template <>
+constexpr int RVX_IIR_HELD_ORDER<double, ZCplx> = 5;
+template <>
+constexpr int RVX_IIR_HELD_ORDER<double, double> = 7;
+
 template <typename Tap, typename Sample>
 RVX_INLINE void directBlock(const Tap *taps, int order, IirElement<Tap, Sample> *d,
                             const Sample *in, IirElement<Tap, Sample> *out, int n)
 {
-    switch (order) {
-    case 0:
-        return scaleBlock(taps, in, out, n);
-    case 1:
-        return lowOrderBlock<1>(taps, d, in, out, n);
-    case 2:
-        return lowOrderBlock<2>(taps, d, in, out, n);
-    case 3:
-        return lowOrderBlock<3>(taps, d, in, out, n);
-    case 4:
-        return lowOrderBlock<4>(taps, d, in, out, n);
-    case 5:
-        return lowOrderBlock<5>(taps, d, in, out, n);
-    case 6:
-        return lowOrderBlock<6>(taps, d, in, out, n);
-    case 7:
-        return lowOrderBlock<7>(taps, d, in, out, n);
-    default:
-        static_assert(RVX_IIR_BATCH_ORDER == 8, "the orders above are those below it");
-        return highOrderBlock(taps, order, d, in, out, n);
-    }
+    constexpr int held = RVX_IIR_HELD_ORDER<Tap, IirElement<Tap, Sample>>;
+    if (order == 0)
+        scaleBlock(taps, in, out, n);
+    else if (order <= held)
+        heldBlock<held>(taps, order, d, in, out, n);
+    else
+        longBlock(taps, order, d, in, out, n);
 }
 
 RVX_KERNEL void iirDirectReal(const double *taps, int order, double *d, const double *in,

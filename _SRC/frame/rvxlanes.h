@@ -196,6 +196,17 @@ RVX_INLINE Lanes swapHalves(Lanes a)
     return {__builtin_shufflevector(a.v, a.v, 2, 3, 0, 1)};
 }
 
+// (a0, a1, a0, a1) and (a2, a3, a2, a3): one of the complex values twice
+RVX_INLINE Lanes firstHalfTwice(Lanes a)
+{
+    return {__builtin_shufflevector(a.v, a.v, 0, 1, 0, 1)};
+}
+
+RVX_INLINE Lanes lastHalfTwice(Lanes a)
+{
+    return {__builtin_shufflevector(a.v, a.v, 2, 3, 2, 3)};
+}
+
 // (even0, odd1, even2, odd3). As integers: for doubles compilers may take a shuffle,
 // which has fewer pipes than a blend.
 RVX_INLINE Lanes blendOdd(Lanes even, Lanes odd)
