@@ -102,6 +102,11 @@ void compareDirectCplx(int order)
              {"loop", [=] { loop::direct(taps, a, order, past, x, y, LENGTH); }}});
 }
 
+std::string sections(int count)
+{
+    return std::to_string(count) + (count == 1 ? " section" : " sections");
+}
+
 void compareCascade(int count)
 {
     const double *taps = sectionTaps<double>(count);
@@ -111,7 +116,7 @@ void compareCascade(int count)
     auto *state = new rvxIirState();
     rvxdIirInitBq(0, taps, count, state);
     double *past = lasting<double>(elements), *classicPast = lasting<double>(elements);
-    compare("cascade, real", std::to_string(count) + " sections",
+    compare("cascade, real", sections(count),
             {{"rvx", [=] { rvxdbIir(state, x, y, LENGTH); }},
              {"loop", [=] { loop::cascade(taps, count, past, x, y, LENGTH); }},
              {"classic loop", [=] { classic::cascade(taps, count, classicPast, x, y, LENGTH); }}});
@@ -125,7 +130,7 @@ void compareCascadeCplx(int count)
     auto *state = new rvxIirState();
     rvxzIirInitBq(0, taps, count, state);
     ZCplx *past = lasting<ZCplx>(static_cast<std::size_t>(2 * count));
-    compare("cascade, complex", std::to_string(count) + " sections",
+    compare("cascade, complex", sections(count),
             {{"rvx", [=] { rvxzbIir(state, x, y, LENGTH); }},
              {"loop", [=] { loop::cascade(taps, count, past, x, y, LENGTH); }}});
 }
@@ -151,6 +156,11 @@ void registerComparisons()
 {
     limit("direct form, real", 0.9, "a chain of four operations from output to output");
     limit("cascade, real", 0.85, "a chain of three operations in each section");
+    bar("cascade, real", "4 sections", 0.55);
+    bar("cascade, real", "16 sections", 0.3);
+    limit("direct form, complex", 0.9,
+          "a chain of five operations from output to output; from order 6 on the products and "
+          "sums themselves");
     for (int order : {1, 2, 4, 7, 8, 16, 32})
         compareDirect(order);
     compareOrder2();

@@ -22,6 +22,9 @@ void compare(const std::string &task, const std::string &size,
 // what stops it from being faster: bandwidth, divider, latency of a chain.
 void limit(const std::string &task, double bar, const std::string &reason);
 
+// Another bar for one size of the task.
+void bar(const std::string &task, const std::string &size, double value);
+
 // Each benchmark program's own part: registers its rows.
 void registerComparisons();
 

@@ -56,6 +56,11 @@ void limit(const std::string &task, double bar, const std::string &reason)
     benchmark::AddCustomContext("limit|" + task, std::to_string(bar) + "|" + reason);
 }
 
+void bar(const std::string &task, const std::string &size, double value)
+{
+    benchmark::AddCustomContext("bar|" + task + "|" + size, std::to_string(value));
+}
+
 int main(int argc, char **argv)
 {
     describe();

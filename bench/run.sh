@@ -11,7 +11,7 @@ cd "$(dirname "$0")/.." || exit 1
 . scripts/require.sh
 
 require_packages cmake ninja-build g++ pkg-config python3 libbenchmark-dev
-for peer in libfftw3-dev libopenblas-dev libeigen3-dev libgsl-dev; do
+for peer in libfftw3-dev libopenblas-dev libeigen3-dev libgsl-dev python3-scipy; do
     (require_packages $peer) || say "going on without $peer"
 done
 
@@ -27,6 +27,10 @@ if [ ${#families[@]} -eq 0 ]; then
     done
 fi
 
+# Packages are for the system's own Python, whichever one is first in the path.
+python=python3
+[ ! -x /usr/bin/python3 ] || python=/usr/bin/python3
+
 core=$(taskset -pc $$ | sed 's/.*[^0-9]//')
 results=()
 for name in "${families[@]}"; do
@@ -38,6 +42,11 @@ for name in "${families[@]}"; do
         --benchmark_repetitions=7 --benchmark_min_time=0.01 \
         --benchmark_out="build/bench/$name.json" --benchmark_out_format=json || exit 1
     results+=("build/bench/$name.json")
+    [ -f "bench/bench_$name.py" ] || continue
+    step "build/log/bench-$name-python.log" "Measuring $name from Python" \
+        taskset -c "$core" "$python" -B "bench/bench_$name.py" build/bench/_SRC/librvx.so \
+        "build/bench/$name.python.json" || exit 1
+    results+=("build/bench/$name.python.json")
 done
 
 python3 bench/table.py docs/benchmarks.md "${results[@]}"
