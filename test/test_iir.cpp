@@ -12,7 +12,7 @@
 #include "reference/iir.h"
 #include "rvx.h"
 #include "support/guarded.h"
-#include "support/iirfamilies.h"
+#include "support/iir_families.h"
 #include "support/reports.h"
 
 namespace {
