@@ -6,6 +6,7 @@
 // to section off that chain. The order of operations within a section is that of
 // single steps.
 
+#include <cstddef>
 #include <type_traits>
 
 #include "filter/rvxiirl_engines.h"
@@ -139,7 +140,7 @@ struct Pipeline {
     // Every section takes one sample in. In a partial step only those do whose
     // sample, step - delay, is one of the block's n.
     template <bool partial>
-    RVX_INLINE void step(Lanes input, int step, int n)
+    RVX_INLINE void step(Lanes input, std::ptrdiff_t step, int n)
     {
         Lanes out[vectors];
         forEachVector<vectors>([&](auto k) __attribute__((always_inline)) {
@@ -150,7 +151,7 @@ struct Pipeline {
             const Lanes w = (v - a1[k].times(d0[k])) - a2[k].times(d1[k]);
             out[k] = w + (b2[k].times(d1[k]) + b1[k].times(d0[k]));
             if (partial) {
-                const Lanes sample = allLanes(step) - delay[k];
+                const Lanes sample = allLanes(static_cast<double>(step)) - delay[k];
                 const LaneMask active =
                     isBelow(sample, allLanes(n)) & isBelow(allLanes(-1.0), sample);
                 d1[k] = choose(active, d0[k], d1[k]);
@@ -177,7 +178,7 @@ RVX_INLINE void runPipeline(const Tap *taps, int sections, Element *d, Source so
     const Lanes none = allLanes(0.0);
     Pipeline<vectors, Tap, Element> line;
     line.load(taps, sections, d);
-    int s = 0;
+    std::ptrdiff_t s = 0; // goes beyond n
     for (; s < fill; ++s)
         line.template step<true>(s < n ? Form::all(source(s)) : none, s, n);
     for (; s < n; ++s) {
@@ -195,13 +196,16 @@ template <typename Tap, typename Sample>
 struct ScaledInput {
     Tap gain;
     const Sample *in;
-    RVX_INLINE IirElement<Tap, Sample> operator()(int s) const { return tapTimes(gain, in[s]); }
+    RVX_INLINE IirElement<Tap, Sample> operator()(std::ptrdiff_t s) const
+    {
+        return tapTimes(gain, in[s]);
+    }
 };
 
 template <typename Element>
 struct PlainInput {
     const Element *in;
-    RVX_INLINE Element operator()(int s) const { return in[s]; }
+    RVX_INLINE Element operator()(std::ptrdiff_t s) const { return in[s]; }
 };
 
 template <typename Tap, typename Sample>
