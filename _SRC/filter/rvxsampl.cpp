@@ -1,8 +1,8 @@
 // rvxsampl: zeros between samples, and every so-many-th sample.
 //
-// Each is one pass over memory. A sample and the zeros behind it leave in whole
-// vectors, from the last sample to the first, so that samples may be spread where
-// they stand.
+// Each is one pass over memory. Samples and the zeros between them leave in whole
+// vectors that begin where vectors begin in memory, from the last to the first, so
+// that samples may be spread where they stand.
 
 #include <climits>
 #include <cstddef>
@@ -28,94 +28,175 @@ constexpr std::ptrdiff_t laneCount(const ZCplx *)
     return 2;
 }
 
-RVX_INLINE Lanes zerosBehind(double sample)
-{
-    return lanesOf(sample, 0.0, 0.0, 0.0);
-}
-
-RVX_INLINE Lanes zerosBehind(ZCplx sample)
-{
-    return lanesOf(sample.re, sample.im, 0.0, 0.0);
-}
-
-// dst[0] = sample and n - 1 zeros behind it, for n of a vector at least. The last
-// vector may lie over the one before it, but not over the sample.
+// How far at is behind a place where a vector begins in memory.
 template <typename Sample>
-RVX_INLINE void putSpaced(Sample sample, Sample *dst, std::ptrdiff_t n)
+RVX_INLINE std::ptrdiff_t placeInVector(const Sample *at)
 {
-    const std::ptrdiff_t width = laneCount(dst);
-    storeLanes(dst, zerosBehind(sample));
-    for (std::ptrdiff_t i = width; i < n - width; i += width)
-        storeLanes(dst + i, allLanes(0.0));
-    if (n > width)
-        storeLanes(dst + n - width, allLanes(0.0));
+    const auto place = reinterpret_cast<std::uintptr_t>(at) / sizeof(Sample);
+    return static_cast<std::ptrdiff_t>(place) & (laneCount(at) - 1);
+}
+
+// The lanes of sample q of a vector.
+RVX_INLINE LaneMask lanesOfSample(const double *, std::ptrdiff_t q)
+{
+    return {RvxBits{0, 1, 2, 3} == RvxBits{} + q};
+}
+
+RVX_INLINE LaneMask lanesOfSample(const ZCplx *, std::ptrdiff_t q)
+{
+    return {RvxBits{0, 0, 1, 1} == RvxBits{} + q};
 }
 
 template <typename Sample>
 RVX_INLINE void putZeros(Sample *dst, std::ptrdiff_t n)
 {
-    for (std::ptrdiff_t i = 0; i < n; ++i)
+    const std::ptrdiff_t width = laneCount(dst);
+    std::ptrdiff_t i = 0;
+    for (; i <= n - width; i += width)
+        storeLanes(dst + i, allLanes(0.0));
+    for (; i < n; ++i)
         dst[i] = Sample{};
 }
 
-// dst[phase] = sample and zeros about it.
+// Samples from to to - 1, a vector of them at most, among zeros from place begin to
+// place end - 1. All are read before anything is written.
 template <typename Sample>
-RVX_INLINE void putBlock(Sample sample, Sample *dst, int factor, int phase)
+RVX_INLINE void putFew(const Sample *src, std::ptrdiff_t from, std::ptrdiff_t to, Sample *dst,
+                       std::ptrdiff_t begin, std::ptrdiff_t end, std::ptrdiff_t factor,
+                       std::ptrdiff_t phase)
 {
-    putZeros(dst, factor);
-    dst[phase] = sample;
+    Sample few[4] = {};
+    for (std::ptrdiff_t k = from; k < to; ++k)
+        few[k - from] = src[k];
+    putZeros(dst + begin, end - begin);
+    for (std::ptrdiff_t k = from; k < to; ++k)
+        dst[k * factor + phase] = few[k - from];
 }
 
-// The short factors: four samples at a time, whole vectors at multiples of vectors
-// from dst on where that can be. Takes samples below k and gives how many are left.
-RVX_INLINE std::ptrdiff_t putByFours(const double *src, std::ptrdiff_t k, double *dst, int factor,
-                                     int phase)
+// Sample s of a group, where it stands in its vector.
+template <int s, typename Sample>
+RVX_INLINE Lanes loneSample(const Sample *src, std::ptrdiff_t factor, std::ptrdiff_t q)
 {
-    const LaneMask kept = {(RvxBits{0, 1, 2, 3} & (factor - 1)) == RvxBits{} + phase};
-    if (factor == 2) {
-        for (; k % 4 != 0; --k)
-            putBlock(src[k - 1], dst + 2 * (k - 1), factor, phase);
-        for (; k > 0; k -= 4) {
-            const Lanes x = loadLanes(src + k - 4);
-            storeLanes(dst + 2 * k - 4, onlyWhere(kept, highTwice(x)));
-            storeLanes(dst + 2 * k - 8, onlyWhere(kept, lowTwice(x)));
-        }
-    } else if (factor == 3) {
-        dst += phase;
-        for (; k >= 4; k -= 4) {
-            const Lanes x = loadLanes(src + k - 4);
-            storeLanes(dst + 3 * k - 4, lanesOf(0.0, x.v[3], 0.0, 0.0));
-            storeLanes(dst + 3 * k - 8, lanesOf(0.0, 0.0, x.v[2], 0.0));
-            storeLanes(dst + 3 * k - 12, lanesOf(x.v[0], 0.0, 0.0, x.v[1]));
-        }
-    } else if (factor == 4) {
-        for (; k > 0; --k)
-            storeLanes(dst + 4 * (k - 1), onlyWhere(kept, allLanes(src[k - 1])));
+    const std::ptrdiff_t width = laneCount(src);
+    if (s >= width)
+        return allLanes(0.0);
+    return onlyWhere(lanesOfSample(src, (s * factor) % width + q), allLanes(src[s]));
+}
+
+// The vector of sample s of a group and those up to that of the next one.
+template <typename Sample>
+RVX_INLINE void putRun(Lanes x, Sample *dst, std::ptrdiff_t s, std::ptrdiff_t factor)
+{
+    const std::ptrdiff_t width = laneCount(dst);
+    const std::ptrdiff_t at = s * factor / width;
+    const std::ptrdiff_t next = (s + 1) * factor / width;
+    for (std::ptrdiff_t v = next - 1; v > at; --v)
+        storeLanes(dst + v * width, allLanes(0.0));
+    storeLanes(dst + at * width, x);
+}
+
+// As many samples as a vector has, in as many vectors as the factor says: the first
+// sample stands at place q of the first vector, which is below what the factor and
+// the width of a vector have in common. So each sample is in the same vector for
+// every q, and, from factors of a vector's width on, alone in it.
+template <typename Sample>
+RVX_INLINE void putVectors(const Sample *src, Sample *dst, std::ptrdiff_t factor, std::ptrdiff_t q)
+{
+    const Lanes x0 = loneSample<0>(src, factor, q), x1 = loneSample<1>(src, factor, q);
+    if (laneCount(dst) == 4) {
+        const Lanes x2 = loneSample<2>(src, factor, q), x3 = loneSample<3>(src, factor, q);
+        putRun(x3, dst, 3, factor);
+        putRun(x2, dst, 2, factor);
+        putRun(x1, dst, 1, factor);
+    } else {
+        putRun(x1, dst, 1, factor);
     }
-    return k;
+    putRun(x0, dst, 0, factor);
 }
 
-RVX_INLINE std::ptrdiff_t putByFours(const ZCplx *, std::ptrdiff_t k, ZCplx *, int, int)
+// The same for the factors by which samples share a vector.
+RVX_INLINE void putVectorsByTwo(const double *src, double *dst, std::ptrdiff_t q)
 {
-    return k;
+    const Lanes x = loadLanes(src);
+    const LaneMask kept = lanesOfSample(src, q) | lanesOfSample(src, q + 2);
+    storeLanes(dst, onlyWhere(kept, lowTwice(x)));
+    storeLanes(dst + 4, onlyWhere(kept, highTwice(x)));
+}
+
+RVX_INLINE void putVectorsByThree(const double *src, double *dst)
+{
+    const Lanes x = loadLanes(src);
+    const Lanes third = allLanes(src[2]), fourth = allLanes(src[3]);
+    storeLanes(dst, onlyWhere(lanesOfSample(src, 0) | lanesOfSample(src, 3), lowTwice(x)));
+    storeLanes(dst + 4, onlyWhere(lanesOfSample(src, 2), third));
+    storeLanes(dst + 8, onlyWhere(lanesOfSample(src, 1), fourth));
+}
+
+template <int fixedFactor>
+RVX_INLINE void putVectorsBy(const double *src, double *dst, std::ptrdiff_t factor,
+                             std::ptrdiff_t q)
+{
+    if (fixedFactor == 2)
+        putVectorsByTwo(src, dst, q);
+    else if (fixedFactor == 3)
+        putVectorsByThree(src, dst);
+    else
+        putVectors(src, dst, factor, q);
+}
+
+template <int fixedFactor>
+RVX_INLINE void putVectorsBy(const ZCplx *src, ZCplx *dst, std::ptrdiff_t factor, std::ptrdiff_t q)
+{
+    putVectors(src, dst, factor, q);
 }
 
 // dst[k * factor + phase] = src[k] and zeros elsewhere. Sample k is read before
-// anything from place k on is written.
-template <typename Sample>
-RVX_INLINE void spread(const Sample *src, std::ptrdiff_t n, Sample *dst, int factor, int phase)
+// anything from place k on is written. A fixed factor of 0 stands for any.
+template <int fixedFactor, typename Sample>
+RVX_INLINE void spreadBy(const Sample *src, std::ptrdiff_t n, Sample *dst, std::ptrdiff_t anyFactor,
+                         std::ptrdiff_t phase)
 {
-    // The last sample has fewer than factor places from its own on.
-    putBlock(src[n - 1], dst + (n - 1) * factor, factor, phase);
-    std::ptrdiff_t k = putByFours(src, n - 1, dst, factor, phase);
-    if (factor >= laneCount(dst)) {
-        for (; k > 0; --k)
-            putSpaced(src[k - 1], dst + (k - 1) * factor + phase, factor);
-    } else {
-        for (; k > 0; --k)
-            putBlock(src[k - 1], dst + (k - 1) * factor + phase, factor, 0);
+    const std::ptrdiff_t width = laneCount(dst);
+    const std::ptrdiff_t factor = fixedFactor != 0 ? fixedFactor : anyFactor;
+    const std::ptrdiff_t common = factor % 2 != 0 ? 1 : factor % width != 0 ? 2 : width;
+    // The last sample that can be the first of its vectors, and place q of these.
+    std::ptrdiff_t k = n - 1;
+    std::ptrdiff_t q = placeInVector(dst + k * factor + phase);
+    for (; q >= common && k > 0; --k)
+        q = placeInVector(dst + (k - 1) * factor + phase);
+    if (q >= common)
+        k = 0;
+    std::ptrdiff_t begin = k == 0 ? 0 : k * factor + phase - q; // where its vectors begin
+    putFew(src, k, n, dst, begin, n * factor, factor, phase);
+    for (; k >= width && begin >= width * factor; k -= width) {
+        begin -= width * factor;
+        putVectorsBy<fixedFactor>(src + k - width, dst + begin, factor, q);
     }
-    putZeros(dst, phase);
+    putFew(src, 0, k, dst, 0, begin, factor, phase);
+}
+
+// Factors that are known when compiled have no inner loops.
+template <typename Sample>
+RVX_INLINE void spread(const Sample *src, int n, Sample *dst, int factor, int phase)
+{
+    switch (factor) {
+    case 2:
+        return spreadBy<2>(src, n, dst, factor, phase);
+    case 3:
+        return spreadBy<3>(src, n, dst, factor, phase);
+    case 4:
+        return spreadBy<4>(src, n, dst, factor, phase);
+    case 5:
+        return spreadBy<5>(src, n, dst, factor, phase);
+    case 6:
+        return spreadBy<6>(src, n, dst, factor, phase);
+    case 7:
+        return spreadBy<7>(src, n, dst, factor, phase);
+    case 8:
+        return spreadBy<8>(src, n, dst, factor, phase);
+    default:
+        return spreadBy<0>(src, n, dst, factor, phase);
+    }
 }
 
 RVX_INLINE Lanes gathered(const double *src, std::ptrdiff_t factor)
@@ -125,7 +206,7 @@ RVX_INLINE Lanes gathered(const double *src, std::ptrdiff_t factor)
 
 RVX_INLINE Lanes gathered(const ZCplx *src, std::ptrdiff_t factor)
 {
-    return pairLanes(src[0], src[factor]);
+    return pairLoads(src, src + factor);
 }
 
 // dst[i] = src[i * factor], n of them. Reading stays ahead of writing.
@@ -140,14 +221,39 @@ RVX_INLINE void keep(const Sample *src, Sample *dst, std::ptrdiff_t n, std::ptrd
         dst[i] = src[i * factor];
 }
 
-// Half of the samples, which come with the other half anyway.
-RVX_INLINE void keepEveryOther(const double *src, double *dst, std::ptrdiff_t n)
+// x[0], x[2], x[4] and x[6], or those behind them.
+template <bool odd>
+RVX_INLINE Lanes everyOther(const double *x)
+{
+    const Lanes low = loadLanes(x), high = loadLanes(x + 4);
+    return odd ? oddElements(low, high) : evenElements(low, high);
+}
+
+// Half of the samples. Whole vectors are read, from where vectors begin in memory:
+// the samples kept are the even ones of these or the odd ones, and nothing behind
+// the last one is read.
+template <bool odd>
+RVX_INLINE void keepHalf(const double *src, double *dst, std::ptrdiff_t n)
 {
     std::ptrdiff_t i = 0;
-    for (; i < n - 4; i += 4)
-        storeLanes(dst + i, evenElements(loadLanes(src + 2 * i), loadLanes(src + 2 * i + 4)));
+    for (; i < n && (i == 0 || placeInVector(src + 2 * i) > 1); ++i)
+        dst[i] = src[2 * i];
+    const double *x = odd ? src - 1 : src;
+    for (; i < n - 8; i += 8) {
+        const Lanes a = everyOther<odd>(x + 2 * i), b = everyOther<odd>(x + 2 * i + 8);
+        storeLanes(dst + i, a);
+        storeLanes(dst + i + 4, b);
+    }
     for (; i < n; ++i)
         dst[i] = src[2 * i];
+}
+
+RVX_INLINE void keepEveryOther(const double *src, double *dst, std::ptrdiff_t n)
+{
+    if (placeInVector(src) % 2 == 0)
+        keepHalf<false>(src, dst, n);
+    else
+        keepHalf<true>(src, dst, n);
 }
 
 RVX_KERNEL void spreadReal(const double *src, int n, double *dst, int factor, int phase)

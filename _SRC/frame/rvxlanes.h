@@ -19,6 +19,7 @@ using RvxVector = double __attribute__((vector_size(32)));
 // A typedef, since Clang passes over the alignment in an alias declaration.
 typedef double RvxVectorMem __attribute__((vector_size(32), aligned(8), may_alias));
 using RvxPair = double __attribute__((vector_size(16)));
+typedef double RvxPairMem __attribute__((vector_size(16), aligned(8), may_alias));
 using RvxBits = std::int64_t __attribute__((vector_size(32)));
 using RvxWords = std::uint32_t __attribute__((vector_size(32)));
 using RvxSignedWords = std::int32_t __attribute__((vector_size(32)));
@@ -95,6 +96,14 @@ RVX_INLINE Lanes lanesOf(double a, double b, double c, double d)
 RVX_INLINE Lanes pairLanes(ZCplx first, ZCplx second)
 {
     return {RvxVector{first.re, first.im, second.re, second.im}};
+}
+
+// The same from memory, a load for each value.
+RVX_INLINE Lanes pairLoads(const ZCplx *first, const ZCplx *second)
+{
+    const RvxPair low = *reinterpret_cast<const RvxPairMem *>(first);
+    const RvxPair high = *reinterpret_cast<const RvxPairMem *>(second);
+    return {__builtin_shufflevector(low, high, 0, 1, 2, 3)};
 }
 
 RVX_INLINE Lanes operator+(Lanes a, Lanes b)
