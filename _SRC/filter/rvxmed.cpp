@@ -39,34 +39,69 @@ RVX_INLINE Lanes middle(Lanes a, Lanes b, Lanes c)
     return maxLanes(minLanes(a, b), minLanes(maxLanes(a, b), c));
 }
 
+// Each sample and the one behind it, in order.
+struct Pairs {
+    Lanes low, high;
+};
+
+RVX_INLINE Pairs sortedPairs(const double *x)
+{
+    const Lanes a = loadLanesOnce(x), b = loadLanesOnce(x + 1);
+    return {minLanes(a, b), maxLanes(a, b)};
+}
+
+// The pairs on either side of the sample in the middle.
+RVX_INLINE Lanes middleOfFive(const Pairs &before, Lanes x, const Pairs &behind)
+{
+    return middle(maxLanes(before.low, behind.low), minLanes(before.high, behind.high), x);
+}
+
 // The medians about x[0] to x[3].
 template <int mask>
 RVX_INLINE Lanes networkMedians(const double *x)
 {
     if (mask == 3)
-        return middle(loadLanes(x - 1), loadLanes(x), loadLanes(x + 1));
-    const Lanes w0 = loadLanes(x - 2), w1 = loadLanes(x - 1);
-    const Lanes w2 = loadLanes(x + 1), w3 = loadLanes(x + 2);
-    const Lanes a = maxLanes(minLanes(w0, w1), minLanes(w2, w3));
-    const Lanes b = minLanes(maxLanes(w0, w1), maxLanes(w2, w3));
-    return middle(a, b, loadLanes(x));
+        return middle(loadLanesOnce(x - 1), loadLanesOnce(x), loadLanesOnce(x + 1));
+    return middleOfFive(sortedPairs(x - 2), loadLanes(x), sortedPairs(x + 1));
 }
 
 // The medians of n places from x[0] on go to y, which may be x; mask / 2 samples
-// stand on either side, and n is 4 at least. A vector leaves after the next one has
-// been read; the last four are made first, for their samples may be overwritten.
-template <int mask>
-RVX_INLINE void filterByNetwork(const double *x, double *y, std::ptrdiff_t n)
+// stand on either side, and n is 4 at least. The last four are made first, for their
+// samples may be overwritten.
+
+// A vector leaves after the next one has been read.
+RVX_INLINE void filterByThree(const double *x, double *y, std::ptrdiff_t n)
 {
-    const Lanes last = networkMedians<mask>(x + n - 4);
-    Lanes now = networkMedians<mask>(x);
+    const Lanes last = networkMedians<3>(x + n - 4);
+    Lanes now = networkMedians<3>(x);
     std::ptrdiff_t i = 4;
+    for (; i < n - 8; i += 8) {
+        const Lanes next = networkMedians<3>(x + i);
+        storeLanes(y + i - 4, now);
+        now = networkMedians<3>(x + i + 4);
+        storeLanes(y + i, next);
+    }
     for (; i < n - 4; i += 4) {
-        const Lanes next = networkMedians<mask>(x + i);
+        const Lanes next = networkMedians<3>(x + i);
         storeLanes(y + i - 4, now);
         now = next;
     }
     storeLanes(y + i - 4, now);
+    storeLanes(y + n - 4, last);
+}
+
+// Of the pairs that four medians need all but three come from the four before.
+RVX_INLINE void filterByFive(const double *x, double *y, std::ptrdiff_t n)
+{
+    const Lanes last = networkMedians<5>(x + n - 4);
+    Pairs before = sortedPairs(x - 2);
+    for (std::ptrdiff_t i = 0; i < n - 4; i += 4) {
+        const Pairs next = sortedPairs(x + i + 2);
+        const Pairs behind = {lastLaneThen(before.low, next.low),
+                              lastLaneThen(before.high, next.high)};
+        storeLanes(y + i, middleOfFive(before, loadLanes(x + i), behind));
+        before = next;
+    }
     storeLanes(y + n - 4, last);
 }
 
@@ -97,7 +132,10 @@ RVX_INLINE void filterNarrow(const double *x, double *y, std::ptrdiff_t len)
     }
     const double first = networkMedian<mask>(x, len, 1);
     const double last = networkMedian<mask>(x, len, len - 2);
-    filterByNetwork<mask>(x + mask / 2, y + mask / 2, inner);
+    if (mask == 3)
+        filterByThree(x + 1, y + 1, inner);
+    else
+        filterByFive(x + 2, y + 2, inner);
     y[1] = first;
     y[len - 2] = last;
 }
