@@ -1,17 +1,17 @@
 // rvxmed: running median, the ends repeated beyond the edges.
 //
 // Masks of 3 and 5 are networks of minima and maxima, four outputs side by side.
-// Wider masks keep the window sorted. Up to RVX_MEDIAN_IN_LANES four windows slide
-// along four stretches of the block, one in each lane: removing a sample from a
+// Wider masks up to RVX_MEDIAN_IN_LANES keep the window sorted: four windows slide
+// along four stretches of the block, one in each lane, where removing a sample from a
 // sorted window and putting another in are a comparison, a choice, a minimum and a
-// maximum per place, without a branch. Wider ones search the places by bisection
-// and move what lies between.
+// maximum per place, without a branch. Still wider ones sort all samples once.
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 
+#include "filter/rvxmed.h"
 #include "frame/rvxbuffer.h"
 #include "frame/rvxcheck.h"
 #include "frame/rvxkernel.h"
@@ -22,7 +22,7 @@ RVX_MODULE("rvxmed")
 
 namespace {
 
-constexpr std::ptrdiff_t RVX_MEDIAN_IN_LANES = 501; // the widest mask of this kind
+constexpr std::ptrdiff_t RVX_MEDIAN_IN_LANES = 111; // the widest mask of this kind
 constexpr std::ptrdiff_t RVX_MEDIAN_CHUNK = 4096;   // outputs per filling of the line
 
 // x[i], where the ends go on beyond the edges.
@@ -174,15 +174,6 @@ bool areApart(const double *x, const double *y, int len)
 // ---------------------------------------------------------------------------
 // Wider masks.
 
-// A block of outputs and the samples that they need: line[k] and the m - 1 behind
-// it are the window of output k.
-struct Windows {
-    const double *line;
-    std::ptrdiff_t n;
-    std::ptrdiff_t mask;
-    double *sorted;
-};
-
 // The three samples from each of four places on, sorted.
 struct Triples {
     Lanes low, mid, high;
@@ -224,17 +215,21 @@ RVX_KERNEL void medianOfNine(const Windows &windows, double *out)
 }
 
 // One step of four sorted windows: `old` leaves, `fresh` comes in. Behind the
-// window stands infinity.
+// window stands infinity. The number of places is odd.
 RVX_INLINE void slideSorted(double *sorted, std::ptrdiff_t mask, Lanes old, Lanes fresh)
 {
-    Lanes at = loadLanes(sorted);
-    Lanes below = allLanes(-__builtin_inf());
-    for (std::ptrdiff_t j = 0; j < mask; ++j) {
+    const Lanes first = loadLanes(sorted);
+    Lanes at = loadLanes(sorted + 4);
+    Lanes below = choose(isBelow(first, old), first, at); // without the old one
+    storeLanes(sorted, minLanes(below, fresh));
+    // Two places at a time, so that nothing is moved from register to register.
+    for (std::ptrdiff_t j = 1; j < mask; j += 2) {
         const Lanes next = loadLanes(sorted + 4 * j + 4);
-        const Lanes left = choose(isBelow(at, old), at, next); // without the old one
+        const Lanes left = choose(isBelow(at, old), at, next);
         storeLanes(sorted + 4 * j, minLanes(left, maxLanes(below, fresh)));
-        below = left;
-        at = next;
+        at = loadLanes(sorted + 4 * j + 8);
+        below = choose(isBelow(next, old), next, at);
+        storeLanes(sorted + 4 * j + 4, minLanes(below, maxLanes(left, fresh)));
     }
 }
 
@@ -261,7 +256,7 @@ RVX_KERNEL void medianInLanes(const Windows &windows, double *out)
     const std::ptrdiff_t s2 = 2 * stretch < limit ? 2 * stretch : limit;
     const std::ptrdiff_t s3 = limit;
     const double *line = windows.line;
-    double *sorted = windows.sorted;
+    double *sorted = windows.scratch;
     for (std::ptrdiff_t q = 0; q < mask; ++q)
         growSorted(sorted, q, lanesOf(line[q], line[s1 + q], line[s2 + q], line[s3 + q]));
     storeLanes(sorted + 4 * mask, allLanes(__builtin_inf()));
@@ -280,46 +275,6 @@ RVX_KERNEL void medianInLanes(const Windows &windows, double *out)
     }
 }
 
-// How many of n ascending values lie below x. Without branches, which would be
-// mispredicted every other time.
-std::ptrdiff_t countBelow(const double *sorted, std::ptrdiff_t n, double x)
-{
-    const double *from = sorted;
-    for (; n > 1; n -= n / 2)
-        from += (n / 2) & -static_cast<std::ptrdiff_t>(from[n / 2 - 1] < x);
-    return from - sorted + (*from < x ? 1 : 0);
-}
-
-// In a sorted window of n, `fresh` in place of `old`. With NaNs about, the places
-// found mean nothing but stay inside.
-void replaceSorted(double *sorted, std::ptrdiff_t n, double old, double fresh)
-{
-    const std::ptrdiff_t hole = std::min(countBelow(sorted, n, old), n - 1);
-    const std::ptrdiff_t place = countBelow(sorted, n, fresh);
-    if (place > hole) {
-        std::copy(sorted + hole + 1, sorted + place, sorted + hole);
-        sorted[place - 1] = fresh;
-    } else {
-        std::copy_backward(sorted + place, sorted + hole, sorted + hole + 1);
-        sorted[place] = fresh;
-    }
-}
-
-void medianByMoves(const Windows &windows, double *out)
-{
-    const std::ptrdiff_t mask = windows.mask;
-    double *sorted = windows.sorted;
-    std::copy(windows.line, windows.line + mask, sorted);
-    // A heap stays inside its array whatever comparisons say of NaNs.
-    std::make_heap(sorted, sorted + mask);
-    std::sort_heap(sorted, sorted + mask);
-    out[0] = sorted[mask / 2];
-    for (std::ptrdiff_t t = 1; t < windows.n; ++t) {
-        replaceSorted(sorted, mask, windows.line[t - 1], windows.line[t - 1 + mask]);
-        out[t] = sorted[mask / 2];
-    }
-}
-
 // x[1] to x[len - 2] become their medians, a chunk at a time. The line keeps the
 // samples that the results overwrite.
 void filterWide(double *x, std::ptrdiff_t len, std::ptrdiff_t mask, std::ptrdiff_t chunk,
@@ -327,7 +282,7 @@ void filterWide(double *x, std::ptrdiff_t len, std::ptrdiff_t mask, std::ptrdiff
 {
     const std::ptrdiff_t half = mask / 2;
     double *line = scratch;
-    double *sorted = scratch + chunk + mask - 1;
+    double *rest = scratch + chunk + mask - 1;
     for (std::ptrdiff_t k = 0; k < mask - 1; ++k)
         line[k] = atOrEnd(x, len, 1 - half + k);
     for (std::ptrdiff_t i = 1; i < len - 1; i += chunk) {
@@ -336,13 +291,13 @@ void filterWide(double *x, std::ptrdiff_t len, std::ptrdiff_t mask, std::ptrdiff
         if (there > 0)
             std::copy(x + i + half, x + i + half + there, line + mask - 1);
         std::fill(line + mask - 1 + there, line + mask - 1 + n, x[len - 1]);
-        const Windows windows = {line, n, mask, sorted};
+        const Windows windows = {line, n, mask, rest};
         if (mask == 9 && n >= 4)
             medianOfNine(windows, x + i);
         else if (mask <= RVX_MEDIAN_IN_LANES)
             medianInLanes(windows, x + i);
         else
-            medianByMoves(windows, x + i);
+            medianByRanks(windows, x + i);
         std::copy(line + n, line + n + mask - 1, line);
     }
 }
@@ -355,8 +310,9 @@ bool medianWide(double *x, int len, int masksize)
     const std::ptrdiff_t half = std::min((masksize - 1) / 2, len - 2);
     const std::ptrdiff_t mask = 2 * half + 1;
     const std::ptrdiff_t chunk = std::min<std::ptrdiff_t>(std::max(RVX_MEDIAN_CHUNK, mask), len);
-    const std::ptrdiff_t windows = mask <= RVX_MEDIAN_IN_LANES ? 4 : 1;
-    const std::ptrdiff_t doubles = chunk + mask - 1 + windows * (mask + 1);
+    const std::ptrdiff_t samples = chunk + mask - 1;
+    const std::ptrdiff_t doubles =
+        samples + (mask <= RVX_MEDIAN_IN_LANES ? 4 * (mask + 1) : rankScratch(samples));
     if (doubles > static_cast<std::ptrdiff_t>(UINT32_MAX))
         return false;
     double *scratch = rvxAllocDoubles(static_cast<std::uint32_t>(doubles));
