@@ -1,0 +1,411 @@
+// The transforms of a block: its rows, its columns over whole rows at a time, then
+// the split, which joins each row with its mirror row.
+//
+// Two slots fill a register. The split, the product and the way back of the split
+// are one pass over a pair of rows. In bit-reversed order mirror rows, and the slots
+// k and n-k within them, are mirror images within their groups.
+
+#include "convolution/rvxfir2_block.h"
+
+#include "convolution/rvxfir2.h"
+#include "convolution/rvxfir2_split.h"
+#include "transform/rvxfftd.h"
+
+namespace {
+
+// ---------------------------------------------------------------------------
+// Columns
+
+// What stands side by side in a register: two slots, or the one of a row that has no
+// more.
+struct TwoSlots {
+    static constexpr std::int64_t count = 2;
+    static RVX_INLINE Lanes load(const ZCplx *p) { return loadLanes(p); }
+    static RVX_INLINE void store(ZCplx *p, Lanes a) { storeLanes(p, a); }
+};
+
+struct OneSlot {
+    static constexpr std::int64_t count = 1;
+    static RVX_INLINE Lanes load(const ZCplx *p) { return allLanes(*p); }
+    static RVX_INLINE void store(ZCplx *p, Lanes a) { storeFirst(p, a); }
+};
+
+// A factor of a whole row.
+struct RowFactor {
+    Lanes re;
+    Lanes im;
+};
+
+RVX_INLINE RowFactor rowFactor(ZCplx w)
+{
+    return {allLanes(w.re), allLanes(w.im)};
+}
+
+RVX_INLINE RowFactor conjugateFactor(ZCplx w)
+{
+    return {allLanes(w.re), allLanes(-w.im)};
+}
+
+RVX_INLINE Lanes operator*(Lanes a, RowFactor w)
+{
+    return subAdd(a * w.re, swapParts(a) * w.im);
+}
+
+RVX_INLINE void sumDifference(Lanes &a, Lanes &b)
+{
+    const Lanes sum = a + b;
+    b = a - b;
+    a = sum;
+}
+
+// The rows of a column transform that meet: `stride` slots apart.
+template <typename Slots>
+RVX_INLINE void splitTwo(ZCplx *row, std::int64_t n, std::int64_t stride, RowFactor w)
+{
+    for (std::int64_t s = 0; s < n; s += Slots::count) {
+        Lanes a = Slots::load(row + s);
+        Lanes b = Slots::load(row + (s + stride));
+        sumDifference(a, b);
+        Slots::store(row + s, a);
+        Slots::store(row + (s + stride), b * w);
+    }
+}
+
+template <typename Slots>
+RVX_INLINE void mergeTwo(ZCplx *row, std::int64_t n, std::int64_t stride, RowFactor w)
+{
+    for (std::int64_t s = 0; s < n; s += Slots::count) {
+        Lanes a = Slots::load(row + s);
+        Lanes b = Slots::load(row + (s + stride)) * w;
+        sumDifference(a, b);
+        Slots::store(row + s, a);
+        Slots::store(row + (s + stride), b);
+    }
+}
+
+// Two radix-2 steps in one sweep: first over the distance of two strides with the
+// factors `first` and `firstNext`, then over one with `second`.
+template <typename Slots>
+RVX_INLINE void splitFour(ZCplx *row, std::int64_t n, std::int64_t stride, RowFactor first,
+                          RowFactor firstNext, RowFactor second)
+{
+    for (std::int64_t s = 0; s < n; s += Slots::count) {
+        ZCplx *p = row + s;
+        Lanes a = Slots::load(p);
+        Lanes b = Slots::load(p + stride);
+        Lanes c = Slots::load(p + 2 * stride);
+        Lanes d = Slots::load(p + 3 * stride);
+        sumDifference(a, c);
+        sumDifference(b, d);
+        c = c * first;
+        d = d * firstNext;
+        sumDifference(a, b);
+        sumDifference(c, d);
+        Slots::store(p, a);
+        Slots::store(p + stride, b * second);
+        Slots::store(p + 2 * stride, c);
+        Slots::store(p + 3 * stride, d * second);
+    }
+}
+
+// The same where the factors are 1, -i and 1.
+template <typename Slots>
+RVX_INLINE void splitFourFirst(ZCplx *row, std::int64_t n, std::int64_t stride)
+{
+    for (std::int64_t s = 0; s < n; s += Slots::count) {
+        ZCplx *p = row + s;
+        Lanes a = Slots::load(p);
+        Lanes b = Slots::load(p + stride);
+        Lanes c = Slots::load(p + 2 * stride);
+        Lanes d = Slots::load(p + 3 * stride);
+        sumDifference(a, c);
+        sumDifference(b, d);
+        d = conjugated(swapParts(d));
+        sumDifference(a, b);
+        sumDifference(c, d);
+        Slots::store(p, a);
+        Slots::store(p + stride, b);
+        Slots::store(p + 2 * stride, c);
+        Slots::store(p + 3 * stride, d);
+    }
+}
+
+// The mirror images, with conjugate factors.
+template <typename Slots>
+RVX_INLINE void mergeFour(ZCplx *row, std::int64_t n, std::int64_t stride, RowFactor first,
+                          RowFactor firstNext, RowFactor second)
+{
+    for (std::int64_t s = 0; s < n; s += Slots::count) {
+        ZCplx *p = row + s;
+        Lanes a = Slots::load(p);
+        Lanes b = Slots::load(p + stride) * second;
+        Lanes c = Slots::load(p + 2 * stride);
+        Lanes d = Slots::load(p + 3 * stride) * second;
+        sumDifference(a, b);
+        sumDifference(c, d);
+        c = c * first;
+        d = d * firstNext;
+        sumDifference(a, c);
+        sumDifference(b, d);
+        Slots::store(p, a);
+        Slots::store(p + stride, b);
+        Slots::store(p + 2 * stride, c);
+        Slots::store(p + 3 * stride, d);
+    }
+}
+
+template <typename Slots>
+RVX_INLINE void mergeFourFirst(ZCplx *row, std::int64_t n, std::int64_t stride)
+{
+    for (std::int64_t s = 0; s < n; s += Slots::count) {
+        ZCplx *p = row + s;
+        Lanes a = Slots::load(p);
+        Lanes b = Slots::load(p + stride);
+        Lanes c = Slots::load(p + 2 * stride);
+        Lanes d = Slots::load(p + 3 * stride);
+        sumDifference(a, b);
+        sumDifference(c, d);
+        d = negateEven(swapParts(d));
+        sumDifference(a, c);
+        sumDifference(b, d);
+        Slots::store(p, a);
+        Slots::store(p + stride, b);
+        Slots::store(p + 2 * stride, c);
+        Slots::store(p + 3 * stride, d);
+    }
+}
+
+// Decimation in frequency down the columns, from natural to bit-reversed rows.
+template <typename Slots>
+RVX_INLINE void splitColumns(ZCplx *data, std::int64_t rows, std::int64_t n, bool oddOrder,
+                             const ZCplx *table)
+{
+    std::int64_t len = rows;
+    if (oddOrder) {
+        len /= 2;
+        for (std::int64_t i = 0; i < len; ++i)
+            splitTwo<Slots>(data + i * n, n, len * n, rowFactor(table[i]));
+    }
+    for (; len > 1; len /= 4) {
+        const std::int64_t stride = len / 4;
+        for (std::int64_t start = 0; start < rows; start += len) {
+            splitFourFirst<Slots>(data + start * n, n, stride * n);
+            for (std::int64_t i = 1; i < stride; ++i) {
+                const ZCplx *w = table + i * (rows / len);
+                splitFour<Slots>(data + (start + i) * n, n, stride * n, rowFactor(w[0]),
+                                 rowFactor(w[rows / 4]), rowFactor(w[i * (rows / len)]));
+            }
+        }
+    }
+}
+
+// Decimation in time, back to natural rows, with the conjugate kernel.
+template <typename Slots>
+RVX_INLINE void mergeColumns(ZCplx *data, std::int64_t rows, std::int64_t n, bool oddOrder,
+                             const ZCplx *table)
+{
+    std::int64_t len = 4;
+    for (; len <= rows; len *= 4) {
+        const std::int64_t stride = len / 4;
+        for (std::int64_t start = 0; start < rows; start += len) {
+            mergeFourFirst<Slots>(data + start * n, n, stride * n);
+            for (std::int64_t i = 1; i < stride; ++i) {
+                const ZCplx *w = table + i * (rows / len);
+                mergeFour<Slots>(data + (start + i) * n, n, stride * n, conjugateFactor(w[0]),
+                                 conjugateFactor(w[rows / 4]),
+                                 conjugateFactor(w[i * (rows / len)]));
+            }
+        }
+    }
+    if (oddOrder)
+        for (std::int64_t i = 0; i < rows / 2; ++i)
+            mergeTwo<Slots>(data + i * n, n, rows / 2 * n, conjugateFactor(table[i]));
+}
+
+RVX_KERNEL void filterSplitColumns(ZCplx *data, std::int64_t rows, std::int64_t n, bool oddOrder,
+                                   const ZCplx *table)
+{
+    if (n > 1)
+        splitColumns<TwoSlots>(data, rows, n, oddOrder, table);
+    else
+        splitColumns<OneSlot>(data, rows, n, oddOrder, table);
+}
+
+RVX_KERNEL void filterMergeColumns(ZCplx *data, std::int64_t rows, std::int64_t n, bool oddOrder,
+                                   const ZCplx *table)
+{
+    if (n > 1)
+        mergeColumns<TwoSlots>(data, rows, n, oddOrder, table);
+    else
+        mergeColumns<OneSlot>(data, rows, n, oddOrder, table);
+}
+
+// ---------------------------------------------------------------------------
+// Pairs of rows
+
+RVX_INLINE Lanes product(Lanes a, Lanes b)
+{
+    return subAdd(realParts(a) * b, imagParts(a) * swapParts(b));
+}
+
+RVX_INLINE ZCplx product(ZCplx a, ZCplx b)
+{
+    return {a.re * b.re - a.im * b.im, a.re * b.im + a.im * b.re};
+}
+
+// Slot 0 of row r and its mirror row to bins 0 and n of row r, and twice the way back.
+RVX_INLINE void splitFirst(ZCplx &a, ZCplx &b)
+{
+    const ZCplx bin0 = {(a.re + b.re + a.im + b.im) * 0.5, (a.im - b.im - a.re + b.re) * 0.5};
+    const ZCplx binN = {(a.re + b.re - a.im - b.im) * 0.5, (a.re - b.re + a.im - b.im) * 0.5};
+    a = bin0;
+    b = binN;
+}
+
+RVX_INLINE void joinFirst(ZCplx &a, ZCplx &b)
+{
+    const double evenRe = a.re + b.re;
+    const double evenIm = a.im + b.im;
+    const double oddRe = a.re - b.re;
+    const double oddIm = b.im - a.im;
+    a = {evenRe + oddIm, oddRe + evenIm};
+    b = {evenRe - oddIm, oddRe - evenIm};
+}
+
+// What is done with a row and its mirror row: they are taken apart, for the filter;
+// or taken apart, multiplied and put together again. Bins of the mirror row come
+// backwards; p and q are where they and the row's own stand.
+struct Split {
+    RVX_INLINE Split rows(std::int64_t, std::int64_t) const { return *this; }
+    RVX_INLINE void first(ZCplx &a, ZCplx &b) const { splitFirst(a, b); }
+    RVX_INLINE void middle(Lanes &k, Lanes &m, Lanes w) const { splitRows(k, m, w); }
+    RVX_INLINE void pair(Lanes &k, Lanes &m, std::int64_t, std::int64_t, Lanes w) const
+    {
+        splitRows(k, m, w);
+    }
+};
+
+struct Convolve {
+    const ZCplx *upper;
+    const ZCplx *lower;
+
+    RVX_INLINE Convolve rows(std::int64_t a, std::int64_t b) const
+    {
+        return {upper + a, lower + b};
+    }
+    RVX_INLINE void first(ZCplx &a, ZCplx &b) const
+    {
+        splitFirst(a, b);
+        a = product(a, upper[0]);
+        b = product(b, lower[0]);
+        joinFirst(a, b);
+    }
+    RVX_INLINE void middle(Lanes &k, Lanes &m, Lanes w) const
+    {
+        splitRows(k, m, w);
+        k = product(k, allLanes(upper[1]));
+        m = product(m, allLanes(lower[1]));
+        joinRows(k, m, w);
+    }
+    RVX_INLINE void pair(Lanes &k, Lanes &m, std::int64_t p, std::int64_t q, Lanes w) const
+    {
+        splitRows(k, m, w);
+        k = product(k, loadLanes(upper + p));
+        m = product(m, swapHalves(loadLanes(lower + q)));
+        joinRows(k, m, w);
+    }
+};
+
+template <typename Work>
+RVX_INLINE void turnTwoRows(ZCplx *upper, ZCplx *lower, std::int64_t n, const ZCplx *factors,
+                            Work work)
+{
+    work.first(upper[0], lower[0]);
+    if (n < 2)
+        return;
+    Lanes middle = allLanes(upper[1]);
+    Lanes mirrorMiddle = allLanes(lower[1]);
+    work.middle(middle, mirrorMiddle, allLanes(factors[1]));
+    storeFirst(upper + 1, middle);
+    storeFirst(lower + 1, mirrorMiddle);
+    for (std::int64_t group = 2; group < n; group *= 2) {
+        for (std::int64_t p = group; p < 2 * group; p += 2) {
+            const std::int64_t q = 3 * group - 2 - p;
+            Lanes k = loadLanes(upper + p);
+            Lanes m = swapHalves(loadLanes(lower + q));
+            work.pair(k, m, p, q, loadLanes(factors + p));
+            storeLanes(upper + p, k);
+            storeLanes(lower + q, swapHalves(m));
+        }
+    }
+}
+
+// All rows but the first two positions, which are their own mirror images. Of two
+// mirror rows the one at the even position has the lower frequency.
+template <typename Work>
+RVX_INLINE void turnRows(ZCplx *data, std::int64_t rows, std::int64_t n, const ZCplx *factors,
+                         Work work)
+{
+    for (std::int64_t group = 2; group < rows; group *= 2)
+        for (std::int64_t a = group; a < 2 * group; a += 2) {
+            const std::int64_t b = 3 * group - 1 - a;
+            turnTwoRows(data + a * n, data + b * n, n, factors, work.rows(a * n, b * n));
+        }
+}
+
+RVX_KERNEL void filterSplitRows(ZCplx *data, std::int64_t rows, std::int64_t n,
+                                const ZCplx *factors)
+{
+    turnRows(data, rows, n, factors, Split{});
+}
+
+RVX_KERNEL void filterConvolveRows(ZCplx *tile, const ZCplx *filter, std::int64_t rows,
+                                   std::int64_t n, const ZCplx *factors)
+{
+    turnRows(tile, rows, n, factors, Convolve{filter, filter});
+}
+
+// Packed spectra of real lines: two real bins and n - 1 complex ones.
+RVX_KERNEL void filterProduct(ZCplx *line, const ZCplx *filter, std::int64_t n)
+{
+    line[0] = {line[0].re * filter[0].re, line[0].im * filter[0].im};
+    for (std::int64_t s = 1; s < n; ++s)
+        line[s] = product(line[s], filter[s]);
+}
+
+constexpr int forwardFlags = RVX_FFT_FORWARD | RVX_FFT_OUT_BIT_REV;
+constexpr int inverseFlags = RVX_FFT_INVERSE | RVX_FFT_IN_BIT_REV;
+
+// Rows and columns; rows from `used` on hold zeros, whose transform they are.
+void transformLines(const Filter2dBlock &block, ZCplx *data, std::int64_t used)
+{
+    for (std::int64_t r = 0; r < used; ++r)
+        rvxFftDif(data + r * block.n, static_cast<int>(block.n), 1, block.lineTblDif);
+    filterSplitColumns(data, block.rows, block.n, block.rowsOrder % 2 != 0, block.columnTbl);
+}
+
+} // namespace
+
+void ownFilter2dSpectrum(const Filter2dBlock &block, ZCplx *data, std::int64_t used)
+{
+    transformLines(block, data, used);
+    rvxRealSplitFwd(data, block.lineOrder, forwardFlags);
+    rvxRealSplitFwd(data + block.n, block.lineOrder, forwardFlags);
+    filterSplitRows(data, block.rows, block.n, block.factors);
+}
+
+void ownFilter2dConvolve(const Filter2dBlock &block, ZCplx *tile, const ZCplx *filter,
+                         std::int64_t wanted)
+{
+    transformLines(block, tile, block.rows);
+    for (std::int64_t r = 0; r < 2; ++r) {
+        ZCplx *line = tile + r * block.n;
+        rvxRealSplitFwd(line, block.lineOrder, forwardFlags);
+        filterProduct(line, filter + r * block.n, block.n);
+        rvxRealSplitInv(line, block.lineOrder, inverseFlags);
+    }
+    filterConvolveRows(tile, filter, block.rows, block.n, block.factors);
+    filterMergeColumns(tile, block.rows, block.n, block.rowsOrder % 2 != 0, block.columnTbl);
+    for (std::int64_t r = wanted; r < block.rows; ++r)
+        rvxFftDit(tile + r * block.n, static_cast<int>(block.n), -1, block.lineTblDit);
+}
