@@ -877,6 +877,47 @@ RVX_API void rvxdAutoCorr(const double *src, int len, double *dst, int nLags, in
 RVX_API void rvxzAutoCorr(const ZCplx *src, int len, ZCplx *dst, int nLags, int corrType);
 
 /* ---------------------------------------------------------------------------
+ * Two-dimensional convolution
+ * ------------------------------------------------------------------------- */
+
+/* y[r][c] = sum of x[i][k] * h[r - i][c - k] over all i and k where both are there, for
+ * 0 <= r < xRows + hRows - 1 and 0 <= c < xCols + hCols - 1: the full linear
+ * convolution of two matrices, unscaled. Matrices are row by row, without gaps.
+ *   x, h  xRows by xCols and hRows by hCols elements, 1 and more, not written
+ *   y     xRows + hRows - 1 rows of xCols + hCols - 1 elements; overlaps neither
+ * Sizes alone decide how it is computed; the first that holds:
+ * - by a sum, where all four are below 17, or both of x or both of h below 8;
+ * - by rvxdConv, where both are one row or both are one column;
+ * - where one is at least as high and as wide as the other, and at least twice as
+ *   high or twice as wide: by tiles of it, with transforms of twice to four times the
+ *   other's size (overlapped and added);
+ * - by one transform of twice to four times the larger height and the larger width.
+ *
+ * The sum: y starts at +0.0, and the coefficients of the narrower operand (of h, if
+ * both are as wide), column by column and from top to bottom in each, add their
+ * products with the other operand. A coefficient that is zero or NaN adds nothing,
+ * whatever it meets. The error of an output is at most n 2^-53 times the sum of the
+ * magnitudes of its n products.
+ * The transforms are Hartley transforms along rows and columns. A NaN or an infinity
+ * makes all outputs NaN that were transformed together with it. The error is spread
+ * evenly over them, so that small outputs beside large ones have few digits that are
+ * right; it grows with the longer side n of the transforms, and for noise is below
+ * 3 n 2^-53 times the root of the outputs' mean square, for n up to 65536.
+ *
+ * Checks: x, h or y null; xRows or xCols below 1; hRows or hCols below 1. Without
+ * memory RVX_STATUS_NO_MEMORY is reported: for the work arrays of one transform
+ * by rvxdConv2D, and y is not written; for its tables by owndHftConv2d, and y is
+ * zeros; for tiles by owndOverlapConv2d, and y is not written. Where a transform is
+ * higher than wide it asks for room for a row, to bring its columns together and to
+ * bring them back: dRotate_V and dRotate_V_Back report that there is none, the
+ * convolution goes on without, and y holds no convolution. Arrays take 24 bytes for
+ * each element of a transform; more than 2^32 elements are taken as no memory. The
+ * status is not looked at, but by rvxdConv.
+ * R. N. Bracewell, The fast Hartley transform, 1984. */
+RVX_API void rvxdConv2D(const double *x, int xCols, int xRows, const double *h, int hCols,
+                        int hRows, double *y);
+
+/* ---------------------------------------------------------------------------
  * Windows
  *
  * vec[k] = vec[k] * w(k) for 0 <= k < n, in place, with symmetric weights

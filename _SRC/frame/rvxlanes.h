@@ -199,6 +199,19 @@ RVX_INLINE Lanes lastHalves(Lanes a, Lanes b)
     return {__builtin_shufflevector(a.v, b.v, 2, 3, 6, 7)};
 }
 
+// Rows become columns.
+RVX_INLINE void transposeLanes(Lanes &a, Lanes &b, Lanes &c, Lanes &d)
+{
+    const Lanes evenAB = evenLanes(a, b);
+    const Lanes oddAB = oddLanes(a, b);
+    const Lanes evenCD = evenLanes(c, d);
+    const Lanes oddCD = oddLanes(c, d);
+    a = firstHalves(evenAB, evenCD);
+    b = firstHalves(oddAB, oddCD);
+    c = lastHalves(evenAB, evenCD);
+    d = lastHalves(oddAB, oddCD);
+}
+
 // (a2, a3, a0, a1): the two complex values in the other order
 RVX_INLINE Lanes swapHalves(Lanes a)
 {
@@ -356,6 +369,11 @@ RVX_INLINE Lanes choose(LaneMask mask, Lanes a, Lanes b)
 RVX_INLINE Lanes onlyWhere(LaneMask mask, Lanes a)
 {
     return {(RvxVector)((RvxBits)a.v & mask.b)};
+}
+
+RVX_INLINE bool everyLane(LaneMask a)
+{
+    return ((a.b[0] & a.b[1]) & (a.b[2] & a.b[3])) != 0;
 }
 
 RVX_INLINE bool anyLane(LaneMask a)
