@@ -26,7 +26,8 @@ void copyPiece(const Sample *src, std::int64_t first, std::int64_t len, std::int
     const std::int64_t from = std::clamp<std::int64_t>(first - begin, 0, n);
     const std::int64_t to = std::clamp<std::int64_t>(len - begin, from, n);
     std::fill(dst, dst + from, Sample{});
-    std::copy(src + (begin + from), src + (begin + to), dst + from);
+    if (from < to) // elsewhere there are no such addresses
+        std::copy(src + (begin + from), src + (begin + to), dst + from);
     std::fill(dst + to, dst + n, Sample{});
 }
 
@@ -81,14 +82,14 @@ void packPieces(const CrossTask<double, double> &task, const CorrBlocks &blocks,
     std::int64_t from = 0;
     for (const std::int64_t to : borders) {
         const bool reThere = to <= reEnd, imThere = from >= imBegin && to <= imEnd;
-        const double *re = task.src1 + (begin + from);
-        const double *im = task.src2 + (begin2 + from);
+        // The other sequence has no such address.
         if (reThere && imThere)
-            interleaveBoth(re, im, dst + from, to - from);
+            interleaveBoth(task.src1 + (begin + from), task.src2 + (begin2 + from), dst + from,
+                           to - from);
         else if (reThere)
-            interleaveReal(re, dst + from, to - from);
+            interleaveReal(task.src1 + (begin + from), dst + from, to - from);
         else if (imThere)
-            interleaveImaginary(im, dst + from, to - from);
+            interleaveImaginary(task.src2 + (begin2 + from), dst + from, to - from);
         else
             std::fill(dst + from, dst + to, ZCplx{});
         from = to;

@@ -48,13 +48,13 @@ CorrCosts ownAutoCosts(std::int64_t len, std::int64_t lags);
 template <typename A, typename B>
 void ownCrossDirect(const CrossTask<A, B> &task);
 
-// By transforms of blocks, at 16 lags and more. In the forms with a complex operand
-// src2[0] counts as zero: deliberate. False, and nothing written, when there is no
-// memory for its buffers and tables.
+// By transforms of blocks, at 9 lags and more, which have blocks of 32 and more. In the
+// forms with a complex operand src2[0] counts as zero: deliberate. False, and nothing
+// written, when there is no memory for its buffers and tables.
 template <typename A, typename B>
 bool ownCrossBlocks(const CrossTask<A, B> &task);
 
-// The same for one sequence, at 16 lags and more: dst[k] is multiplied by 1/N * weight
+// The same for one sequence, at 9 lags and more: dst[k] is multiplied by 1/N * weight
 // (k), N being the length of the transforms.
 template <typename Sample>
 bool ownAutoBlocks(const AutoTask<Sample> &task, int corrType);
