@@ -117,6 +117,20 @@ TEST(MedianChecks, AStaleStatusPlaysNoPart)
     EXPECT_TRUE(reports.take().empty());
 }
 
+// What the others compare with.
+TEST(MedianReference, SlidingGivesTheMiddleOfEachWindow)
+{
+    for (int masksize : {1, 2, 3, 4, 5, 7, 8, 31, 113, 200})
+        for (int len : {1, 2, 3, 4, 5, 30, 57, 58, 150}) {
+            const std::vector<double> x = makeBlock(Temper::uniform, len, 20);
+            EXPECT_EQ(reference::runningMedian(x, masksize),
+                      reference::runningMedianAnew(x, masksize));
+            const std::vector<double> y = steps(len, 21);
+            EXPECT_EQ(reference::runningMedian(y, masksize),
+                      reference::runningMedianAnew(y, masksize));
+        }
+}
+
 TEST(Median, EveryLengthAndMaskUpToTwenty)
 {
     Reports reports;
