@@ -747,8 +747,8 @@ RVX_API void rvxzDownSample(const ZCplx *src, int srcLen, ZCplx *dst, int *dstLe
  * Masks of 7 and more take work memory: about 4096 + 5 m doubles up to 111, and four
  * times the larger of 4096 + m and 2 m for wider ones, where m counts no more than
  * 2 len, and 4096 no more than len.
- * Masks from 113 on by one sort of all samples (Suomela, Median filtering is
- * equivalent to sorting, 2014).
+ * Masks from 113 on by sorting lines of samples, each sample once or twice (Suomela,
+ * Median filtering is equivalent to sorting, 2014).
  * Checks: len below 1; inout (in, then out) null; masksize below 1; no memory
  * (RVX_STATUS_NO_MEMORY, reported by rvxdbMedianFilter1): then inout is unchanged,
  * and out is a copy of in. */

@@ -1,5 +1,6 @@
 // Median filter.
 
+#include <algorithm>
 #include <climits>
 #include <cmath>
 #include <cstdint>
@@ -154,7 +155,7 @@ TEST(Median, WideMasksAndTheChangeBetweenWaysOfSorting)
 TEST(Median, LongBlocksGoThroughInChunks)
 {
     for (int masksize : {3, 5, 7, 9, 31})
-        for (int len : {4097, 4098, 4099, 4100, 8194, 8195, 9001, 12301})
+        for (int len : {4097, 4098, 4099, 4100, 4101, 4102, 8194, 8195, 12301})
             expectMedians(makeBlock(Temper::uniform, len, 7), masksize);
     for (int len : {4098, 4099, 8195})
         expectMedians(makeBlock(Temper::uniform, len, 7), 113);
@@ -191,6 +192,28 @@ TEST(Median, SamplesAlikeInTheirLeadingBits)
     for (int masksize : {113, 1001}) {
         expectMedians(integers, masksize);
         expectMedians(tiny, masksize);
+    }
+}
+
+// However many bits it takes to tell the samples apart, the last of them counts.
+TEST(Median, SamplesThatDifferInAnyNumberOfBits)
+{
+    std::mt19937_64 random(22);
+    for (int bits = 1; bits <= 63; ++bits) {
+        const std::uint64_t all = (std::uint64_t{1} << bits) - 1;
+        const std::uint64_t base = bits < 40 ? bitsOf(-1.0) : 0;
+        std::vector<double> x(600);
+        for (std::size_t i = 0; i < x.size(); ++i) {
+            const std::uint64_t high = std::uint64_t{i / 150} << 62 >> (64 - bits);
+            const std::uint64_t ends = (high | random() % 256) & all;
+            x[i] = doubleOf(base + ends % 0x7ff0000000000000);
+        }
+        x[100] = doubleOf(base);
+        x[200] = doubleOf(base + all % 0x7ff0000000000000);
+        expectMedians(x, 113);
+        for (double &value : x)
+            value = -value;
+        expectMedians(x, 299);
     }
 }
 
@@ -318,17 +341,20 @@ TEST(Median, NaNsLeadNowhereElse)
 
 TEST(Median, ResultOverlappingTheSourceFromAbove)
 {
-    const std::vector<double> x = makeBlock(Temper::uniform, 103, 14);
-    for (int masksize : {3, 5, 9, 31}) {
-        std::vector<double> block = x;
-        rvxdbMedianFilter2(block.data(), block.data() + 3, 100, masksize);
-        const std::vector<double> expected =
-            reference::runningMedian(std::vector<double>(x.begin(), x.begin() + 100), masksize);
-        EXPECT_EQ(std::vector<double>(block.begin() + 3, block.end()), expected);
-        block = x;
-        rvxdbMedianFilter2(block.data(), block.data(), 100, masksize);
-        EXPECT_EQ(std::vector<double>(block.begin(), block.begin() + 100), expected);
-    }
+    for (int len : {3, 8, 100})
+        for (int masksize : {1, 3, 5, 7, 9, 31, 113})
+            for (int above = 0; above <= len + 1; ++above) {
+                const std::vector<double> x = makeBlock(Temper::uniform, len, 14);
+                Guarded<double> block(2 * len + 1);
+                std::copy(x.begin(), x.end(), block.data());
+                double *out = block.data() + above;
+                rvxdbMedianFilter2(block.data(), out, len, masksize);
+                EXPECT_EQ(std::vector<double>(out, out + len),
+                          reference::runningMedian(x, masksize))
+                    << "len " << len << " mask " << masksize << " above " << above;
+                EXPECT_TRUE(std::equal(x.begin(), x.begin() + std::min(above, len), block.data()));
+                EXPECT_TRUE(block.intact());
+            }
 }
 
 TEST(MedianMemory, OnlyWideMasksTakeItAndTheyGiveItBack)
@@ -340,6 +366,21 @@ TEST(MedianMemory, OnlyWideMasksTakeItAndTheyGiveItBack)
         EXPECT_EQ(watch.allocations(), masksize >= 7 ? 1 : 0);
         EXPECT_EQ(watch.live(), 0);
     }
+}
+
+// More than the library can ask for at once is refused before a sample is read.
+TEST(MedianMemory, TheLongestBlockByTheWidestMaskIsRefused)
+{
+    Reports reports;
+    Guarded<double> x(std::vector<double>{3.0, 1.0, 2.0});
+    AllocationWatch watch;
+    rvxdbMedianFilter1(x.data(), INT_MAX, INT_MAX);
+    EXPECT_EQ(watch.allocations(), 0);
+    const std::vector<Report> expected = {
+        {RVX_STATUS_NO_MEMORY, "rvxdbMedianFilter1", "out of memory", "rvxmed"}};
+    EXPECT_EQ(reports.take(), expected);
+    EXPECT_EQ(x.values(), (std::vector<double>{3.0, 1.0, 2.0}));
+    EXPECT_TRUE(x.intact());
 }
 
 TEST(MedianMemory, RefusedMemoryIsReportedAndNothingChanged)

@@ -126,9 +126,10 @@ void expectInsideWalls(int n, int factor, int phase, Wall wall)
 {
     const std::vector<Sample> x = signal<Sample>(n);
     const std::vector<Sample> raised = spread(x, factor, phase), lowered = kept(x, factor, phase);
-    Walled<Sample> src(x, wall);
-    Walled<Sample> longer(std::vector<Sample>(raised.size()), wall);
-    Walled<Sample> shorter(std::vector<Sample>(lowered.size()), wall);
+    const int apart = (n + n / 4) % 4; // any place in a vector, for any n
+    Walled<Sample> src(x, wall, apart);
+    Walled<Sample> longer(std::vector<Sample>(raised.size()), wall, (apart + 1) % 4);
+    Walled<Sample> shorter(std::vector<Sample>(lowered.size()), wall, (apart + 2) % 4);
     int dstLen = 0, carried = phase;
     up(src.data(), n, longer.data(), &dstLen, factor, &carried);
     EXPECT_TRUE(sameBits(longer.values(), raised)) << n << " by " << factor << " at " << phase;
@@ -247,6 +248,26 @@ TEST(SamplingChecks, ResultsBeyondAnIntAreRefused)
 {
     expectTooLongRefused<double>("rvxdUpSample", rvxdUpSample);
     expectTooLongRefused<ZCplx>("rvxzUpSample", rvxzUpSample);
+}
+
+// A length of 2^31 - 1 is none of these. By a factor of 1 and in place nothing but
+// the length is written.
+TEST(SamplingChecks, TheLongestResultIsAllowed)
+{
+    Reports reports;
+    Guarded<double> x(std::vector<double>{1.0, 2.0});
+    Guarded<ZCplx> z(std::vector<ZCplx>{{1.0, 2.0}});
+    int lens[4] = {}, phase = 0;
+    rvxdUpSample(x.data(), INT_MAX, x.data(), &lens[0], 1, &phase);
+    rvxzUpSample(z.data(), INT_MAX, z.data(), &lens[1], 1, &phase);
+    rvxdDownSample(x.data(), INT_MAX, x.data(), &lens[2], 1, &phase);
+    rvxzDownSample(z.data(), INT_MAX, z.data(), &lens[3], 1, &phase);
+    for (int len : lens)
+        EXPECT_EQ(len, INT_MAX);
+    EXPECT_EQ(phase, 0);
+    EXPECT_TRUE(x.intact() && x[0] == 1.0 && x[1] == 2.0);
+    EXPECT_TRUE(z.intact() && z[0].re == 1.0 && z[0].im == 2.0);
+    EXPECT_TRUE(reports.take().empty());
 }
 
 TEST(SamplingChecks, AStaleStatusPlaysNoPart)

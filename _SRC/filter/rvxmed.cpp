@@ -4,7 +4,7 @@
 // Wider masks up to RVX_MEDIAN_IN_LANES keep the window sorted: four windows slide
 // along four stretches of the block, one in each lane, where removing a sample from a
 // sorted window and putting another in are a comparison, a choice, a minimum and a
-// maximum per place, without a branch. Still wider ones sort all samples once.
+// maximum per place, without a branch. Still wider ones sort a line of samples at once.
 
 #include <algorithm>
 #include <cstddef>

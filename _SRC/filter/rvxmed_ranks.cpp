@@ -2,8 +2,8 @@
 //
 // All samples of a line are sorted once; from then on a sample is its place among
 // them, and the window is a set of bits. A slide clears one bit and sets another, and
-// the median's word moves by as many words as its rank asks for. That is one sort of
-// each sample and a few operations on bits, however wide the mask: after the insight
+// the median's word moves by as many words as its rank asks for. That is one sort of a
+// line and a few operations on bits per sample, however wide the mask: after the insight
 // that a running median is no more than sorting (J. Suomela, Median filtering is
 // equivalent to sorting, 2014), with bits in place of his linked lists.
 //
