@@ -34,6 +34,11 @@ void describe()
 #else
     benchmark::AddCustomContext("peer|GSL", "");
 #endif
+#ifdef RVX_HAVE_OPENCV
+    benchmark::AddCustomContext("peer|OpenCV", RVX_HAVE_OPENCV);
+#else
+    benchmark::AddCustomContext("peer|OpenCV", "");
+#endif
 }
 
 } // namespace

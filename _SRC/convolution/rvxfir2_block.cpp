@@ -10,6 +10,7 @@
 #include "convolution/rvxfir2.h"
 #include "convolution/rvxfir2_split.h"
 #include "transform/rvxfftd.h"
+#include "transform/rvxfftd_quads.h"
 
 namespace {
 
@@ -253,35 +254,99 @@ RVX_INLINE ZCplx product(ZCplx a, ZCplx b)
     return {a.re * b.re - a.im * b.im, a.re * b.im + a.im * b.re};
 }
 
-// Slot 0 of row r and its mirror row to bins 0 and n of row r, and twice the way back.
-RVX_INLINE void splitFirst(ZCplx &a, ZCplx &b)
+// Four slots of a row, and the four of the mirror row that belong to them, from the
+// last one down. The first four are one and one, and then a group of two. From rows of
+// four slots on the filter's spectrum is arranged as such quads, real before imaginary
+// parts, those of a mirror row where the row's own stand; it is half as large there, so
+// that the tile's bins need not be halved.
+
+RVX_INLINE Quad loadSlots(const ZCplx *first)
 {
-    const ZCplx bin0 = {(a.re + b.re + a.im + b.im) * 0.5, (a.im - b.im - a.re + b.re) * 0.5};
-    const ZCplx binN = {(a.re + b.re - a.im - b.im) * 0.5, (a.re - b.re + a.im - b.im) * 0.5};
-    a = bin0;
-    b = binN;
+    const Lanes low = loadLanesOnce(first);
+    const Lanes high = loadLanesOnce(first + 2);
+    return {evenLanes(low, high), oddLanes(low, high)};
 }
 
-RVX_INLINE void joinFirst(ZCplx &a, ZCplx &b)
+RVX_INLINE void storeSlots(ZCplx *first, Quad a)
 {
-    const double evenRe = a.re + b.re;
-    const double evenIm = a.im + b.im;
-    const double oddRe = a.re - b.re;
-    const double oddIm = b.im - a.im;
-    a = {evenRe + oddIm, oddRe + evenIm};
-    b = {evenRe - oddIm, oddRe - evenIm};
+    storeLanes(first, evenLanes(a.re, a.im));
+    storeLanes(first + 2, oddLanes(a.re, a.im));
+}
+
+RVX_INLINE Quad loadMirror(const ZCplx *last)
+{
+    const Lanes high = swapHalves(loadLanesOnce(last - 1));
+    const Lanes low = swapHalves(loadLanesOnce(last - 3));
+    return {evenLanes(high, low), oddLanes(high, low)};
+}
+
+RVX_INLINE void storeMirror(ZCplx *last, Quad a)
+{
+    storeLanes(last - 1, swapHalves(evenLanes(a.re, a.im)));
+    storeLanes(last - 3, swapHalves(oddLanes(a.re, a.im)));
+}
+
+RVX_INLINE Quad loadMirrorFront(const ZCplx *row)
+{
+    const Lanes low = loadLanesOnce(row);
+    const Lanes high = swapHalves(loadLanesOnce(row + 2));
+    return {evenLanes(low, high), oddLanes(low, high)};
+}
+
+RVX_INLINE void storeMirrorFront(ZCplx *row, Quad a)
+{
+    storeLanes(row, evenLanes(a.re, a.im));
+    storeLanes(row + 2, swapHalves(oddLanes(a.re, a.im)));
+}
+
+RVX_INLINE Quad arranged(const ZCplx *p)
+{
+    return {loadLanesOnce(&p->re), loadLanesOnce(&p->re + 4)};
+}
+
+RVX_INLINE void storeArranged(ZCplx *p, Quad a)
+{
+    storeLanes(&p->re, a.re);
+    storeLanes(&p->re + 4, a.im);
+}
+
+// As splitRows, twice as large.
+RVX_INLINE void splitQuads(Quad &k, Quad &m, Quad w)
+{
+    const Quad ab = {k.re + m.re, k.im - m.im};
+    const Quad cd = {k.re - m.re, k.im + m.im};
+    const Lanes t = cd.re * w.im + w.re * cd.im;
+    const Lanes u = cd.re * w.re - cd.im * w.im;
+    k = {ab.re + t, ab.im - u};
+    m = {ab.re - t, ab.im + u};
+}
+
+// As joinRows.
+RVX_INLINE void joinQuads(Quad &k, Quad &m, Quad w)
+{
+    const Quad ab = k + m;
+    const Quad cd = k - m;
+    const Lanes t = cd.re * w.im - w.re * cd.im;
+    const Lanes u = cd.re * w.re + cd.im * w.im;
+    k = {ab.re + t, ab.im + u};
+    m = {ab.re - t, u - ab.im};
 }
 
 // What is done with a row and its mirror row: they are taken apart, for the filter;
 // or taken apart, multiplied and put together again. Bins of the mirror row come
-// backwards; p and q are where they and the row's own stand.
+// backwards.
 struct Split {
     RVX_INLINE Split rows(std::int64_t, std::int64_t) const { return *this; }
-    RVX_INLINE void first(ZCplx &a, ZCplx &b) const { splitFirst(a, b); }
-    RVX_INLINE void middle(Lanes &k, Lanes &m, Lanes w) const { splitRows(k, m, w); }
-    RVX_INLINE void pair(Lanes &k, Lanes &m, std::int64_t, std::int64_t, Lanes w) const
+    template <typename Slots>
+    RVX_INLINE void few(Lanes &k, Lanes &m, Lanes w) const
     {
         splitRows(k, m, w);
+    }
+    RVX_INLINE void quad(Quad &k, Quad &m, std::int64_t, Quad w) const
+    {
+        splitQuads(k, m, w);
+        k = k * allLanes(0.5);
+        m = m * allLanes(0.5);
     }
 };
 
@@ -293,63 +358,70 @@ struct Convolve {
     {
         return {upper + a, lower + b};
     }
-    RVX_INLINE void first(ZCplx &a, ZCplx &b) const
-    {
-        splitFirst(a, b);
-        a = product(a, upper[0]);
-        b = product(b, lower[0]);
-        joinFirst(a, b);
-    }
-    RVX_INLINE void middle(Lanes &k, Lanes &m, Lanes w) const
+    template <typename Slots>
+    RVX_INLINE void few(Lanes &k, Lanes &m, Lanes w) const
     {
         splitRows(k, m, w);
-        k = product(k, allLanes(upper[1]));
-        m = product(m, allLanes(lower[1]));
+        k = product(k, Slots::load(upper));
+        m = product(m, Slots::load(lower));
         joinRows(k, m, w);
     }
-    RVX_INLINE void pair(Lanes &k, Lanes &m, std::int64_t p, std::int64_t q, Lanes w) const
+    RVX_INLINE void quad(Quad &k, Quad &m, std::int64_t p, Quad w) const
     {
-        splitRows(k, m, w);
-        k = product(k, loadLanes(upper + p));
-        m = product(m, swapHalves(loadLanes(lower + q)));
-        joinRows(k, m, w);
+        splitQuads(k, m, w);
+        k = k * arranged(upper + p);
+        m = m * arranged(lower + p);
+        joinQuads(k, m, w);
     }
 };
 
-template <typename Work>
-RVX_INLINE void turnTwoRows(ZCplx *upper, ZCplx *lower, std::int64_t n, const ZCplx *factors,
-                            Work work)
+// Rows of one or two slots, each of which is its own mirror image.
+template <typename Slots, typename Work>
+RVX_INLINE void turnFew(ZCplx *upper, ZCplx *lower, const ZCplx *factors, Work work)
 {
-    work.first(upper[0], lower[0]);
-    if (n < 2)
-        return;
-    Lanes middle = allLanes(upper[1]);
-    Lanes mirrorMiddle = allLanes(lower[1]);
-    work.middle(middle, mirrorMiddle, allLanes(factors[1]));
-    storeFirst(upper + 1, middle);
-    storeFirst(lower + 1, mirrorMiddle);
-    for (std::int64_t group = 2; group < n; group *= 2) {
-        for (std::int64_t p = group; p < 2 * group; p += 2) {
-            const std::int64_t q = 3 * group - 2 - p;
-            Lanes k = loadLanes(upper + p);
-            Lanes m = swapHalves(loadLanes(lower + q));
-            work.pair(k, m, p, q, loadLanes(factors + p));
-            storeLanes(upper + p, k);
-            storeLanes(lower + q, swapHalves(m));
+    Lanes k = Slots::load(upper);
+    Lanes m = Slots::load(lower);
+    work.template few<Slots>(k, m, Slots::load(factors));
+    Slots::store(upper, k);
+    Slots::store(lower, m);
+}
+
+template <typename Work>
+RVX_INLINE void turnQuads(ZCplx *upper, ZCplx *lower, std::int64_t n, const ZCplx *factors,
+                          Work work)
+{
+    Quad row = loadSlots(upper);
+    Quad mirror = loadMirrorFront(lower);
+    work.quad(row, mirror, 0, arranged(factors));
+    storeSlots(upper, row);
+    storeMirrorFront(lower, mirror);
+    for (std::int64_t group = 4; group < n; group *= 2)
+        for (std::int64_t p = group; p < 2 * group; p += 4) {
+            ZCplx *last = lower + (3 * group - 1 - p);
+            row = loadSlots(upper + p);
+            mirror = loadMirror(last);
+            work.quad(row, mirror, p, arranged(factors + p));
+            storeSlots(upper + p, row);
+            storeMirror(last, mirror);
         }
-    }
 }
 
 // All rows but the first two positions, which are their own mirror images. Of two
 // mirror rows the one at the even position has the lower frequency.
 template <typename Work>
 RVX_INLINE void turnRows(ZCplx *data, std::int64_t rows, std::int64_t n, const ZCplx *factors,
-                         Work work)
+                         Work all)
 {
     for (std::int64_t group = 2; group < rows; group *= 2)
         for (std::int64_t a = group; a < 2 * group; a += 2) {
             const std::int64_t b = 3 * group - 1 - a;
-            turnTwoRows(data + a * n, data + b * n, n, factors, work.rows(a * n, b * n));
+            const Work work = all.rows(a * n, b * n);
+            if (n == 1)
+                turnFew<OneSlot>(data + a * n, data + b * n, factors, work);
+            else if (n == 2)
+                turnFew<TwoSlots>(data + a * n, data + b * n, factors, work);
+            else
+                turnQuads(data + a * n, data + b * n, n, factors, work);
         }
 }
 
@@ -363,6 +435,23 @@ RVX_KERNEL void filterConvolveRows(ZCplx *tile, const ZCplx *filter, std::int64_
                                    std::int64_t n, const ZCplx *factors)
 {
     turnRows(tile, rows, n, factors, Convolve{filter, filter});
+}
+
+// A row of the filter's spectrum, or its mirror row, to the order in which the tile's
+// bins come.
+void arrangeRow(ZCplx *row, std::int64_t n, bool mirror)
+{
+    const Lanes half = allLanes(0.5);
+    if (n >= 4)
+        storeArranged(row, (mirror ? loadMirrorFront(row) : loadSlots(row)) * half);
+    for (std::int64_t group = 4; group < n; group *= 2)
+        for (std::int64_t first = group, last = 2 * group - 4; first <= last;
+             first += 4, last -= 4) {
+            const Quad a = mirror ? loadMirror(row + (last + 3)) : loadSlots(row + first);
+            const Quad b = mirror ? loadMirror(row + (first + 3)) : loadSlots(row + last);
+            storeArranged(row + first, a * half);
+            storeArranged(row + last, b * half);
+        }
 }
 
 // Packed spectra of real lines: two real bins and n - 1 complex ones.
@@ -392,6 +481,22 @@ void ownFilter2dSpectrum(const Filter2dBlock &block, ZCplx *data, std::int64_t u
     rvxRealSplitFwd(data, block.lineOrder, forwardFlags);
     rvxRealSplitFwd(data + block.n, block.lineOrder, forwardFlags);
     filterSplitRows(data, block.rows, block.n, block.factors);
+    for (std::int64_t r = 2; r < block.rows; ++r)
+        arrangeRow(data + r * block.n, block.n, r % 2 != 0);
+}
+
+void ownFilter2dFactors(const Filter2dBlock &block, const ZCplx *table, ZCplx *factors)
+{
+    const auto n = static_cast<std::uint32_t>(block.n);
+    for (std::uint32_t p = 0, k = 0; p < n; ++p) {
+        factors[p] = table[k];
+        std::uint32_t bit = n >> 1; // the successor of k in reversed order
+        for (; (k & bit) != 0; bit >>= 1)
+            k ^= bit;
+        k |= bit;
+    }
+    for (std::int64_t p = 0; p + 4 <= block.n; p += 4)
+        storeArranged(factors + p, loadSlots(factors + p));
 }
 
 void ownFilter2dConvolve(const Filter2dBlock &block, ZCplx *tile, const ZCplx *filter,

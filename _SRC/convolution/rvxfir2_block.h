@@ -17,7 +17,7 @@ struct Filter2dBlock {
     const ZCplx *columnTbl;  // W(rows, k), full circle
     const ZCplx *lineTblDif; // for rvxFftDif of n
     const ZCplx *lineTblDit; // for rvxFftDit of n
-    const ZCplx *factors;    // W(2n, k) in bit-reversed order of k
+    const ZCplx *factors;    // by ownFilter2dFactors
 
     // Of the longest kernels 2^63: more than a signed count holds.
     std::uint64_t len() const
@@ -26,7 +26,11 @@ struct Filter2dBlock {
     }
 };
 
-// To the spectrum, bit-reversed in rows and slots; rows from `used` on hold zeros.
+// n values from the full circle's table W(2n, k): in bit-reversed order of k, and as the
+// passes over pairs of rows read them.
+void ownFilter2dFactors(const Filter2dBlock &block, const ZCplx *table, ZCplx *factors);
+
+// To the filter's spectrum, bit-reversed in rows and slots; rows from `used` on hold zeros.
 void ownFilter2dSpectrum(const Filter2dBlock &block, ZCplx *data, std::int64_t used);
 
 // The tile's values to the circular convolution with the filter whose spectrum is

@@ -32,21 +32,6 @@ ZCplx *allocValues(std::uint64_t n)
     return n <= UINT32_MAX ? rvxAllocZCplx(static_cast<std::uint32_t>(n)) : nullptr;
 }
 
-// W(2n,k) in bit-reversed order of k: twice the index has the same factors in front,
-// and then those a quarter turn of the full circle's half on.
-void reorderFactors(const ZCplx *table, ZCplx *factors, int order)
-{
-    const std::int64_t n = std::int64_t{1} << order;
-    std::int64_t reversed = 0;
-    for (std::int64_t p = 0; p < n; ++p) {
-        factors[p] = table[reversed];
-        std::int64_t bit = n >> 1;
-        for (; (reversed & bit) != 0; bit >>= 1)
-            reversed ^= bit;
-        reversed |= bit;
-    }
-}
-
 // False when a table is refused. None is reported: there is another way.
 bool findTables(Filter2dBlock &block, ZCplx *factors)
 {
@@ -57,7 +42,7 @@ bool findTables(Filter2dBlock &block, ZCplx *factors)
     if (lineTbl == nullptr || block.columnTbl == nullptr || block.lineTblDif == nullptr ||
         block.lineTblDit == nullptr)
         return false;
-    reorderFactors(lineTbl, factors, block.lineOrder);
+    ownFilter2dFactors(block, lineTbl, factors);
     block.factors = factors;
     return true;
 }
