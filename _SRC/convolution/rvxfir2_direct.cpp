@@ -1,5 +1,5 @@
-// The direct sum: output columns in lanes, two output rows at once, so that each
-// load of the image serves two sums. The kernel is read backwards.
+// The direct sum: output columns in lanes, as many registers of sums at once as cover
+// the latency of an addition. The kernel is read backwards.
 //
 // Sums add their products in one order, whichever columns share a register. At the
 // edges registers reach beyond the row; the products there are masked out, since a
@@ -14,6 +14,10 @@
 namespace {
 
 constexpr std::int64_t RVX_LANES = 4;
+// Registers of sums: enough to cover the latency of an addition, or what narrow images
+// have room for.
+constexpr int RVX_MANY = 4;
+constexpr int RVX_FEW = 2;
 
 struct Image : Filter2d {
     explicit Image(const Filter2d &task)
@@ -27,6 +31,12 @@ struct Image : Filter2d {
     RVX_INLINE std::int64_t under(std::int64_t row, std::int64_t c) const
     {
         return row * xCols + c - anchorCol;
+    }
+
+    // Whether the kernel on row r lies between the first and the last row.
+    RVX_INLINE bool hasWholeRows(std::int64_t r) const
+    {
+        return r >= anchorRow && r - anchorRow + hRows <= xRows;
     }
 
     std::int64_t anchorRow;
@@ -141,13 +151,6 @@ struct Edge {
         sums.at[0] = sum;
     }
 
-    RVX_INLINE void addTwo(const Image &im, std::int64_t row, const double *upperTaps,
-                           const double *lowerTaps, Sums<1> &upper, Sums<1> &lower) const
-    {
-        add(im, row, upperTaps, upper);
-        add(im, row, lowerTaps, lower);
-    }
-
     RVX_INLINE void store(const Image &im, double *y, const Sums<1> &sums) const
     {
         if (column + RVX_LANES <= im.xCols)
@@ -178,7 +181,8 @@ RVX_INLINE void filterRow(const Image &im, std::int64_t r, const Columns &column
     columns.store(im, im.y + r * im.xCols, sums);
 }
 
-// Rows r and r + 1. The lower one's kernel lags by a row.
+// Rows r and r + 1, which have all of their at least two kernel rows within the image.
+// Each load serves both, the lower one's kernel a row behind.
 template <int vectors, typename Columns>
 RVX_INLINE void filterTwoRows(const Image &im, std::int64_t r, const Columns &columns)
 {
@@ -186,52 +190,61 @@ RVX_INLINE void filterTwoRows(const Image &im, std::int64_t r, const Columns &co
     Sums<vectors> lower;
     upper.clear();
     lower.clear();
-    std::int64_t row = std::max<std::int64_t>(0, r - im.anchorRow);
-    std::int64_t i = row - r + im.anchorRow;
-    if (i == 0)
-        columns.add(im, row++, im.taps(i++), upper);
-    for (; i < im.hRows && row < im.xRows; ++i, ++row)
-        columns.addTwo(im, row, im.taps(i), im.taps(i - 1), upper, lower);
-    if (i == im.hRows && row < im.xRows)
-        columns.add(im, row, im.taps(i - 1), lower);
+    const std::int64_t row = r - im.anchorRow;
+    columns.add(im, row, im.taps(0), upper);
+    for (std::int64_t i = 1; i < im.hRows; ++i)
+        columns.addTwo(im, row + i, im.taps(i), im.taps(i - 1), upper, lower);
+    columns.add(im, row + im.hRows, im.taps(im.hRows - 1), lower);
     columns.store(im, im.y + r * im.xCols, upper);
     columns.store(im, im.y + (r + 1) * im.xCols, lower);
 }
 
-template <int vectors, typename Columns>
-RVX_INLINE void filterAt(const Image &im, std::int64_t r, const Columns &columns)
+// Columns from c to end, which have every tap within the row; at least a tile of them.
+// What does not fill a tile is covered by one that overlaps its neighbour: computed
+// twice, the sums are the same twice.
+template <int vectors>
+RVX_INLINE void filterInner(const Image &im, std::int64_t r, std::int64_t c, std::int64_t end,
+                            bool two)
 {
-    if (r + 1 < im.xRows)
-        filterTwoRows<vectors>(im, r, columns);
-    else
-        filterRow<vectors>(im, r, columns);
-}
-
-RVX_INLINE void filterEdge(const Image &im, std::int64_t r, std::int64_t c, std::int64_t end)
-{
-    for (; c < end; c += RVX_LANES) {
-        const std::int64_t inside = std::max<std::int64_t>(0, std::min(c, im.xCols - RVX_LANES));
-        filterAt<1>(im, r, Edge(im, inside));
+    constexpr std::int64_t tile = vectors * RVX_LANES;
+    for (; c < end; c += tile) {
+        const Inner<vectors> columns(im, std::min(c, end - tile));
+        if (two)
+            filterTwoRows<vectors>(im, r, columns);
+        else
+            filterRow<vectors>(im, r, columns);
     }
 }
 
-// Columns that do not fill a tile are covered by one that overlaps its neighbour:
-// computed twice, they are the same twice.
+RVX_INLINE void filterEdge(const Image &im, std::int64_t r, std::int64_t c, bool two)
+{
+    const std::int64_t inside = std::max<std::int64_t>(0, std::min(c, im.xCols - RVX_LANES));
+    const Edge columns(im, inside);
+    filterRow<1>(im, r, columns);
+    if (two)
+        filterRow<1>(im, r + 1, columns);
+}
+
 RVX_KERNEL void filterDirect(const Image &im)
 {
-    constexpr int vectors = 4;
-    constexpr std::int64_t tile = vectors * RVX_LANES;
-    const std::int64_t inner = im.anchorCol;
     const std::int64_t innerEnd = im.xCols - im.hCols + im.anchorCol + 1;
-    for (std::int64_t r = 0; r < im.xRows; r += 2) {
-        if (innerEnd - inner < tile) {
-            filterEdge(im, r, 0, im.xCols);
-            continue;
+    const std::int64_t innerLen = innerEnd - im.anchorCol;
+    const std::int64_t inner = innerLen >= RVX_FEW * RVX_LANES ? im.anchorCol : im.xCols;
+    bool two = false;
+    for (std::int64_t r = 0; r < im.xRows; r += two ? 2 : 1) {
+        two = im.hasWholeRows(r) && im.hasWholeRows(r + 1) && im.hRows > 1;
+        for (std::int64_t c = 0; c < im.xCols;) {
+            if (c != inner) {
+                filterEdge(im, r, c, two);
+                c = c < inner ? std::min(c + RVX_LANES, inner) : c + RVX_LANES;
+                continue;
+            }
+            if (innerLen >= RVX_MANY * RVX_LANES)
+                filterInner<RVX_MANY>(im, r, inner, innerEnd, two);
+            else
+                filterInner<RVX_FEW>(im, r, inner, innerEnd, two);
+            c = innerEnd;
         }
-        filterEdge(im, r, 0, inner);
-        for (std::int64_t c = inner; c < innerEnd; c += tile)
-            filterAt<vectors>(im, r, Inner<vectors>(im, std::min(c, innerEnd - tile)));
-        filterEdge(im, r, innerEnd, im.xCols);
     }
 }
 
