@@ -219,4 +219,12 @@ void registerComparisons()
                 {ours(Task(side)), openCv(Task(side))});
 #endif
     }
+    limit("small kernels", 0.8,
+          "loads: one for two products and two sums, which keep their order, and every second "
+          "load crosses a cache line");
+    limit("large kernels beside blocks of the best size", 1.6,
+          "the fixed side of a block, twice the power of two not below the kernel's: 28 % of a "
+          "block of 64 x 64 are results, of the peer's 160 x 160 are 66 %; the passes run at "
+          "the rate of their additions");
+    limit("large kernels beside OpenCV", 0.6, "the same");
 }

@@ -800,38 +800,6 @@ RVX_API int rvxzdConv(const ZCplx *x, int xLen, const double *h, int hLen, ZCplx
 RVX_API int rvxdzConv(const double *x, int xLen, const ZCplx *h, int hLen, ZCplx *y);
 
 /* ---------------------------------------------------------------------------
- * Two-dimensional filter
- *
- * Images and kernels are dense arrays, row after row.
- * ------------------------------------------------------------------------- */
-
-/* y[r][c] = sum over i, j of h[i][j] * x[r + hRows/2 - i][c + hCols/2 - j], with
- * divisions that drop fractions and zeros outside the image: the middle part of the
- * full convolution, as large as the image.
- *   x             xRows rows of xCols values
- *   h             hRows rows of hCols values, unchanged on return; it may be larger
- *                 than the image. The kernel belongs to the call while it lasts:
- *                 no two threads may filter with one array at the same time
- *   y             the size of x; must not overlap x or h
- *   xCols, xRows, hCols, hRows  at least 1
- * A count of operations, a function of the four sizes alone, chooses between two
- * ways. Small kernels, on large images those below about 8 by 8, are summed: from
- * 0.0, each product and each sum rounded once, in descending order of i and within a
- * row of j. Taps that fall outside the image are not looked at. Large kernels go by
- * transforms of blocks of twice to four times the kernel's sides. The error of a value
- * is then about 1.2e-16 times the root of the sum of squares of the kernel times that
- * of the block about it, measured; and an infinity or NaN spreads over whole blocks.
- * This way takes two blocks and the tables of their transforms; without memory for
- * these the values are summed all the same, and nothing is reported.
- * Checks: x null; h null (with the message of a source too); y null; xCols below 1;
- * xRows below 1; hCols below 1; hRows below 1.
- *
- * T. G. Stockham, High-speed convolution and correlation, 1966 (overlapping
- * blocks). */
-RVX_API void rvxdFilter2D(const double *x, int xCols, int xRows, const double *h, int hCols,
-                          int hRows, double *y);
-
-/* ---------------------------------------------------------------------------
  * Correlation
  *
  * Plain sums over a range of lags, without a mean taken off. dst must not overlap the
@@ -940,6 +908,38 @@ RVX_API void rvxzAutoCorr(const ZCplx *src, int len, ZCplx *dst, int nLags, int 
  * R. N. Bracewell, The fast Hartley transform, 1984. */
 RVX_API void rvxdConv2D(const double *x, int xCols, int xRows, const double *h, int hCols,
                         int hRows, double *y);
+
+/* ---------------------------------------------------------------------------
+ * Two-dimensional filter
+ *
+ * Images and kernels are dense arrays, row after row.
+ * ------------------------------------------------------------------------- */
+
+/* y[r][c] = sum over i, j of h[i][j] * x[r + hRows/2 - i][c + hCols/2 - j], with
+ * divisions that drop fractions and zeros outside the image: the middle part of the
+ * full convolution, as large as the image.
+ *   x             xRows rows of xCols values
+ *   h             hRows rows of hCols values, unchanged on return; it may be larger
+ *                 than the image. The kernel belongs to the call while it lasts:
+ *                 no two threads may filter with one array at the same time
+ *   y             the size of x; must not overlap x or h
+ *   xCols, xRows, hCols, hRows  at least 1
+ * A count of operations, a function of the four sizes alone, chooses between two
+ * ways. Small kernels, on large images those below about 8 by 8, are summed: from
+ * 0.0, each product and each sum rounded once, in descending order of i and within a
+ * row of j. Taps that fall outside the image are not looked at. Large kernels go by
+ * transforms of blocks of twice to four times the kernel's sides. The error of a value
+ * is then about 1.2e-16 times the root of the sum of squares of the kernel times that
+ * of the block about it, measured; and an infinity or NaN spreads over whole blocks.
+ * This way takes two blocks and the tables of their transforms; without memory for
+ * these the values are summed all the same, and nothing is reported.
+ * Checks: x null; h null (with the message of a source too); y null; xCols below 1;
+ * xRows below 1; hCols below 1; hRows below 1.
+ *
+ * T. G. Stockham, High-speed convolution and correlation, 1966 (overlapping
+ * blocks). */
+RVX_API void rvxdFilter2D(const double *x, int xCols, int xRows, const double *h, int hCols,
+                          int hRows, double *y);
 
 /* ---------------------------------------------------------------------------
  * Windows
