@@ -247,13 +247,20 @@ bool overlapSave(const char *core, const typename Form::Long *x, int xLen,
     return true;
 }
 
-// Takes the buffers for transforms of an order and runs them.
+enum { WHOLE = 0 };
+
+// Takes the buffers for transforms of the whole, or of blocks in their mode, and runs
+// these.
 template <typename Form, typename Out>
 void convolveByTransforms(const char *core, const typename Form::Long *x, int xLen,
-                          const typename Form::Short *h, int hLen, Out *y, int order)
+                          const typename Form::Short *h, int hLen, Out *y, int mode)
 {
     using Slot = typename Form::Slot;
-    if (!rvxConvArgumentsGood(core, x, xLen, h, hLen, y) || !Form::warm(core, order))
+    if (!rvxConvArgumentsGood(core, x, xLen, h, hLen, y))
+        return;
+    const int order =
+        mode == WHOLE ? rvxConvWholeOrder(xLen, hLen) : rvxConvBlockOrder(xLen, hLen, mode);
+    if (!Form::warm(core, order))
         return;
     Slot *spectrum = nullptr;
     Slot *block = nullptr;
@@ -313,12 +320,12 @@ void convolveMixed(const char *core, const ZCplx *cplx, int cplxLen, const doubl
 
 void rvxdConv1(const double *x, int xLen, const double *h, int hLen, double *y)
 {
-    convolveByTransforms<RealForm>(__func__, x, xLen, h, hLen, y, rvxConvWholeOrder(xLen, hLen));
+    convolveByTransforms<RealForm>(__func__, x, xLen, h, hLen, y, WHOLE);
 }
 
 void rvxzConv1(const ZCplx *x, int xLen, const ZCplx *h, int hLen, ZCplx *y)
 {
-    convolveByTransforms<CplxForm>(__func__, x, xLen, h, hLen, y, rvxConvWholeOrder(xLen, hLen));
+    convolveByTransforms<CplxForm>(__func__, x, xLen, h, hLen, y, WHOLE);
 }
 
 void rvxzdConv1(const ZCplx *x, int xLen, const double *h, int hLen, ZCplx *y)
@@ -335,24 +342,20 @@ void rvxdzConv1(const double *x, int xLen, const ZCplx *h, int hLen, ZCplx *y)
 
 void rvxdConvm(const double *x, int xLen, const double *h, int hLen, double *y, int mode)
 {
-    convolveByTransforms<RealForm>(__func__, x, xLen, h, hLen, y,
-                                   rvxConvBlockOrder(xLen, hLen, mode));
+    convolveByTransforms<RealForm>(__func__, x, xLen, h, hLen, y, mode);
 }
 
 void rvxzConvm(const ZCplx *x, int xLen, const ZCplx *h, int hLen, ZCplx *y, int mode)
 {
-    convolveByTransforms<CplxForm>(__func__, x, xLen, h, hLen, y,
-                                   rvxConvBlockOrder(xLen, hLen, mode));
+    convolveByTransforms<CplxForm>(__func__, x, xLen, h, hLen, y, mode);
 }
 
 void rvxzdConvm(const ZCplx *x, int xLen, const double *h, int hLen, ZCplx *y, int mode)
 {
-    convolveByTransforms<CplxRealForm>(__func__, x, xLen, h, hLen, y,
-                                       rvxConvBlockOrder(xLen, hLen, mode));
+    convolveByTransforms<CplxRealForm>(__func__, x, xLen, h, hLen, y, mode);
 }
 
 void rvxdzConvm(const double *x, int xLen, const ZCplx *h, int hLen, ZCplx *y, int mode)
 {
-    convolveByTransforms<RealCplxForm>(__func__, x, xLen, h, hLen, y,
-                                       rvxConvBlockOrder(xLen, hLen, mode));
+    convolveByTransforms<RealCplxForm>(__func__, x, xLen, h, hLen, y, mode);
 }
