@@ -2,6 +2,8 @@
 // hold when? Level statistics, a waveform and a spectrogram.
 //
 //     spectrogram INPUT OUTPUT_FOLDER
+//
+// The spectrogram itself is computed in support/spectrogram.cpp, for the other chapters too.
 
 #include <algorithm>
 #include <cmath>
@@ -11,6 +13,7 @@
 #include "rvx.h"
 #include "support/recording.h"
 #include "support/section.h"
+#include "support/spectrogram.h"
 #include "support/spectrum.h"
 #include "support/status.h"
 
@@ -19,10 +22,9 @@ namespace {
 using demo::decibels;
 using demo::requireSuccess;
 
-constexpr int order = 8;               // of the transform
-constexpr int frameLen = 1 << order;   // samples in a frame
-constexpr int hop = frameLen / 4;      // from the start of a frame to that of the next
-constexpr int bins = frameLen / 2 + 1; // from zero to half the sampling rate
+constexpr int order = 8;             // of the transform
+constexpr int frameLen = 1 << order; // samples in a frame
+constexpr int hop = frameLen / 4;    // from the start of a frame to that of the next
 
 void describeLevel(const demo::Recording &voice, demo::Section &section)
 {
@@ -78,64 +80,19 @@ plot 'waveform.txt' using 1:2:3 with filledcurves linecolor rgb '#a9c4e6' title 
     return time[static_cast<std::size_t>(loudest)];
 }
 
-// The spectrum of every frame, one after the other, in dB. A sine of full scale
-// comes out at 0 dB.
-std::vector<float> spectrogram(const demo::Recording &voice)
-{
-    const int n = static_cast<int>(voice.samples.size());
-
-    // A window function applied to ones gives the window itself.
-    std::vector<double> window(frameLen);
-    rvxdbSet(1.0, window.data(), frameLen);
-    rvxdWinHann(window.data(), frameLen);
-    const double fullScale = 0.5 * frameLen * rvxdMean(window.data(), frameLen);
-
-    // The spectrum takes the place of the frame: one complex value for each bin.
-    std::vector<double> frame(2 * bins);
-    std::vector<float> levels;
-    for (int start = 0; start + frameLen <= n; start += hop) {
-        rvxdbMpy3(voice.samples.data() + start, window.data(), frame.data(), frameLen);
-        rvxdRealFft(frame.data(), order, RVX_FFT_FORWARD);
-        for (std::size_t k = 0; k < bins; ++k) {
-            const double amplitude = std::hypot(frame[2 * k], frame[2 * k + 1]) / fullScale;
-            levels.push_back(static_cast<float>(decibels(std::max(amplitude, 1e-6))));
-        }
-    }
-
-    // The transform keeps its tables for the next call of the same order, until it
-    // is told to release them.
-    rvxdRealFft(nullptr, order, RVX_FFT_FREE_TABLES);
-    requireSuccess("spectrogram");
-    return levels;
-}
-
-// How the spectrogram is drawn, whatever part of it.
-constexpr const char *spectrogramAxes = R"(
-set lmargin at screen 0.07
-set rmargin at screen 0.87
-set cbrange [-100:-20]
-set cbtics 20
-set cblabel 'Level in dBFS'
-set ytics 1
-set xlabel 'Time in seconds'
-set ylabel 'Frequency in kHz'
-unset key
-unset grid
-)";
-
 void drawSpectrogram(const demo::Recording &voice, double loudest, demo::Section &section)
 {
-    const std::vector<float> levels = spectrogram(voice);
+    const demo::Spectrogram frames = demo::spectrogramOf(voice, order, hop);
     const std::string plot =
         demo::format("set yrange [0:%g]\n", 0.0005 * voice.rate) + "plot " +
-        section.grid("spectrogram.bin", levels, static_cast<int>(levels.size() / bins),
-                     0.5 * frameLen / voice.rate, hop / voice.rate, 0.0,
-                     0.001 * voice.rate / frameLen) +
+        section.grid("spectrogram.bin", frames.levels, frames.frames, frames.firstTime,
+                     frames.timeStep, 0.0, 0.001 * frames.frequencyStep) +
         " with image\n";
 
     const int n = static_cast<int>(voice.samples.size());
     section.picture("spectrogram", 1600, 560,
-                    spectrogramAxes + demo::format("set xrange [0:%g]\n", n / voice.rate) + plot,
+                    demo::spectrogramAxes + demo::format("set xrange [0:%g]\n", n / voice.rate) +
+                        plot,
                     "The spectrogram: a Hann window of 256 samples every 64 samples, and a real "
                     "transform of each.");
 
@@ -149,7 +106,7 @@ void drawSpectrogram(const demo::Recording &voice, double loudest, demo::Section
     }
     section.data("closeup.txt", "time/s amplitude", {time, amplitude});
     section.picture("closeup", 1600, 800,
-                    spectrogramAxes +
+                    demo::spectrogramAxes +
                         demo::format("set xrange [%g:%g]\n", from / voice.rate, to / voice.rate) +
                         R"(
 set multiplot
