@@ -9,6 +9,7 @@
 #include <sndfile.h>
 
 #include "file.h"
+#include "section.h"
 
 namespace demo {
 namespace {
@@ -64,6 +65,17 @@ Recording readRecording(const std::string &path, int atLeast)
                      [](double x) { return std::isfinite(x); }))
         refuse(path, "has samples that are infinite or not a number");
     return recording;
+}
+
+void requireRecording(const std::string &path, const Recording &recording, double lowestRate,
+                      double shortestTime)
+{
+    if (recording.rate < lowestRate)
+        refuse(path,
+               format("has %g samples per second, %g are needed", recording.rate, lowestRate));
+    const double time = static_cast<double>(recording.samples.size()) / recording.rate;
+    if (time < shortestTime)
+        refuse(path, format("is too short: it has %g s, %g s are needed", time, shortestTime));
 }
 
 } // namespace demo

@@ -18,6 +18,11 @@ struct Recording {
 // that cannot be read, is no WAV file, is cut short or has several channels.
 Recording readRecording(const std::string &path, int atLeast);
 
+// Throws std::runtime_error, with the file's name, on a recording with fewer samples per second
+// or fewer seconds than a chapter can work with.
+void requireRecording(const std::string &path, const Recording &recording, double lowestRate,
+                      double shortestTime);
+
 } // namespace demo
 
 #endif
