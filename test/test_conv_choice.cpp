@@ -1,10 +1,12 @@
 // The choice of a path: its constants, both sides of each of its borders, and what is
 // seen of it from outside.
 
+#include <algorithm>
 #include <climits>
 #include <cstdint>
 
 #include "convolution/rvxconvd_costs.h"
+#include "reference/conv_costs.h"
 #include "support/conv_forms.h"
 
 namespace {
@@ -244,6 +246,44 @@ TEST(ConvChoice, BlocksDoubleTwiceAtMostAndOnlyWhileTheResultIsLonger)
     for (const Plan &p : plans)
         EXPECT_EQ(rvxConvBlockOrder(p.longLen, p.shortLen, p.mode), p.order)
             << p.longLen << " by " << p.shortLen << ", mode " << p.mode;
+}
+
+namespace {
+
+std::string pathOf(ConvChoice choice)
+{
+    return choice.core == RVX_CONV_DIRECT  ? "direct"
+           : choice.core == RVX_CONV_WHOLE ? "whole"
+                                           : "block " + std::to_string(choice.mode);
+}
+
+} // namespace
+
+TEST(ConvChoice, AgreesWithAnotherWritingOfTheCosts)
+{
+    const reference::ConvForm theirs[] = {reference::ConvForm::Real, reference::ConvForm::Complex,
+                                          reference::ConvForm::ComplexReal,
+                                          reference::ConvForm::RealComplex};
+    std::mt19937 random(6);
+    // Lengths of every size alike.
+    const auto length = [&random](int orders) {
+        const int order = static_cast<int>(random() % static_cast<unsigned>(orders));
+        return (1 << order) + static_cast<int>(random() % (1u << order));
+    };
+    for (int run = 0; run < 50000; ++run) {
+        const int a = length(run % 2 == 0 ? 12 : 27), b = length(run % 3 == 0 ? 9 : 22);
+        const int longLen = std::max(a, b), shortLen = std::min(a, b);
+        for (ConvForm form : forms) {
+            const ConvChoice choice = rvxChooseConv(form, longLen, shortLen);
+            const std::string path = pathOf(choice);
+            ASSERT_EQ(path, reference::convPath(theirs[form], longLen, shortLen))
+                << form << ": " << longLen << " by " << shortLen;
+            if (choice.core == RVX_CONV_BLOCKS) {
+                ASSERT_EQ(1L << rvxConvBlockOrder(longLen, shortLen, choice.mode),
+                          reference::convBlockLen(path, longLen, shortLen));
+            }
+        }
+    }
 }
 
 // ---- from outside ---------------------------------------------------------
