@@ -48,6 +48,12 @@ void rvxRealFftPost(ZCplx *z, int h, int direction, double scale, const ZCplx *t
 // Bins 1..h-1 to what rvxFftDit turns into pairs of samples; dst may be src.
 void rvxCcsFftPre(const ZCplx *src, ZCplx *dst, int h, int direction, const ZCplx *table);
 
+// Transformed pairs of samples to what the inverse turns into twice those of the
+// circular convolution, in place: Post, a product with `factors` and Pre in one pass.
+// factors[k] is the other spectrum's bin k, factors[0] its two real bins, 0 and h. The
+// table is that of rvxCcsFftPre; h of 8 and more.
+void rvxRealFftProduct(const ZCplx *factors, ZCplx *z, int h, const ZCplx *table);
+
 // Real transforms with packed spectra, in place, N doubles; RVX_FFT_OUT_RC_PACK
 // or RVX_FFT_OUT_RC_PERM, and RVX_FFT_IN_RC_PACK or RVX_FFT_IN_RC_PERM, name the
 // format.

@@ -167,6 +167,70 @@ RVX_INLINE void overMirroredBins(const ZCplx *src, ZCplx *dst, int h, double sca
     }
 }
 
+template <typename Real>
+RVX_INLINE Parts<Real> times(Parts<Real> a, Parts<Real> b)
+{
+    return {a.re * b.re - a.im * b.im, a.re * b.im + a.im * b.re};
+}
+
+// The steps from a transform to its spectrum, by a product and back, with the values
+// and the roundings that they have one after the other. w is W(2h,k).
+RVX_INLINE Mirrored<Lanes> throughProduct(Parts<Lanes> a, Parts<Lanes> b, Parts<Lanes> w,
+                                          Parts<Lanes> lowFactor, Parts<Lanes> highFactor)
+{
+    const Lanes half = allLanes(0.5);
+    const Parts<Lanes> t = {half * w.re, half + half * w.im};
+    const Mirrored<Lanes> bins = RealPostForward::apply(a, b, t, 1.0);
+    return CcsPreInverse::apply(times(bins.low, lowFactor), times(bins.high, highFactor), w, 1.0);
+}
+
+// Bins i, i-1, i-2 and i-3.
+RVX_INLINE Parts<Lanes> splitDescending(const ZCplx *z)
+{
+    return splitParts(swapHalves(loadLanes(z - 1)), swapHalves(loadLanes(z - 3)));
+}
+
+// All bins, in the order of overMirroredBlocks and for its reasons; h of 8 and more.
+RVX_KERNEL void realProduct(const ZCplx *factors, ZCplx *z, int h, const ZCplx *table)
+{
+    const int half = h / 2;
+    const Parts<double> square =
+        times(partsOf(RealPostForward::middle(z[half], 1.0)), partsOf(factors[half]));
+    const Lanes middle = allLanes(CcsPreInverse::middle({square.re, square.im}, 1.0));
+    const double first = (z[0].re + z[0].im) * factors[0].re;
+    const double last = (z[0].re - z[0].im) * factors[0].im;
+    const Mirrored<Lanes> odd = throughProduct(
+        splitParts(loadLanes(z + half - 2), allLanes(z[1])),
+        splitParts(pairLanes(z[half + 2], z[half + 1]), allLanes(z[h - 1])),
+        splitParts(loadLanes(table + half - 2), allLanes(table[1])),
+        splitParts(loadLanes(factors + half - 2), allLanes(factors[1])),
+        splitParts(pairLanes(factors[half + 2], factors[half + 1]), allLanes(factors[h - 1])));
+
+    Lanes above = loadLanes(z + h - 2);
+    Lanes pending = lastTwo(odd.high);
+    for (int k = 2; k < half - 2; k += 4) {
+        const Lanes between = loadLanes(z + h - k - 2);
+        const Lanes below = loadLanes(z + h - k - 4);
+        const Mirrored<Lanes> bins =
+            throughProduct(splitParts(loadLanes(z + k), loadLanes(z + k + 2)),
+                           splitParts(outerHalves(above, between), outerHalves(between, below)),
+                           splitParts(loadLanes(table + k), loadLanes(table + k + 2)),
+                           splitParts(loadLanes(factors + k), loadLanes(factors + k + 2)),
+                           splitDescending(factors + h - k));
+        above = below;
+        storeLanes(z + k, firstTwo(bins.low));
+        storeLanes(z + k + 2, lastTwo(bins.low));
+        storeLanes(z + h - k, outerHalves(firstTwo(bins.high), pending));
+        pending = lastTwo(bins.high);
+        storeLanes(z + h - k - 2, outerHalves(pending, firstTwo(bins.high)));
+    }
+    z[0] = {first + last, first - last};
+    storeFirst(z + 1, lastTwo(odd.low));
+    storeLanes(z + half - 2, firstTwo(odd.low));
+    storeLanes(z + half, outerHalves(middle, firstTwo(odd.high)));
+    storeLanes(z + half + 2, outerHalves(firstTwo(odd.high), pending));
+}
+
 RVX_KERNEL void realPostForward(ZCplx *z, int h, const ZCplx *table)
 {
     overMirroredBins<RealPostForward>(z, z, h, 1.0, table);
@@ -207,4 +271,9 @@ void rvxCcsFftPre(const ZCplx *src, ZCplx *dst, int h, int direction, const ZCpl
         ccsPreForward(src, dst, h, table);
     else
         ccsPreInverse(src, dst, h, table);
+}
+
+void rvxRealFftProduct(const ZCplx *factors, ZCplx *z, int h, const ZCplx *table)
+{
+    realProduct(factors, z, h, table);
 }
