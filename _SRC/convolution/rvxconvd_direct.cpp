@@ -22,6 +22,11 @@ struct CplxLanes {
     Lanes im;
 };
 
+// Two complex values whole.
+struct CplxPair {
+    Lanes z;
+};
+
 RVX_INLINE double product(double x, double h)
 {
     return x * h;
@@ -47,9 +52,9 @@ RVX_INLINE Lanes product(Lanes x, Lanes h)
     return x * h;
 }
 
-RVX_INLINE CplxLanes product(CplxLanes x, Lanes h)
+RVX_INLINE CplxPair product(CplxPair x, Lanes h)
 {
-    return {x.re * h, x.im * h};
+    return {x.z * h};
 }
 
 RVX_INLINE CplxLanes product(Lanes x, CplxLanes h)
@@ -80,6 +85,11 @@ RVX_INLINE Lanes plus(Lanes a, Lanes b)
 RVX_INLINE CplxLanes plus(CplxLanes a, CplxLanes b)
 {
     return {a.re + b.re, a.im + b.im};
+}
+
+RVX_INLINE CplxPair plus(CplxPair a, CplxPair b)
+{
+    return {a.z + b.z};
 }
 
 RVX_INLINE Lanes spread(double h)
@@ -129,16 +139,19 @@ enum {
     RVX_CONV_WINDOW = RVX_CONV_LEAD + RVX_CONV_CHUNK
 };
 
+// Loads are made where they stand: compilers would carry what the next pair of taps
+// needs again over in registers, and then have none left for the sums.
+//
 // Pairs of x with their even elements apart from the odd ones. Place p is pair
 // first + p; pairs that are not there are zero, which leaves every sum as it is: the
 // taps are finite, and no sum is ever -0.0.
 struct RealWindow {
-    enum { tileVectors = 4 };
+    enum { width = 4 }; // pairs in a vector
     double even[RVX_CONV_WINDOW];
     double odd[RVX_CONV_WINDOW];
 
-    RVX_INLINE Lanes evenAt(int p) const { return loadLanes(even + p); }
-    RVX_INLINE Lanes oddAt(int p) const { return loadLanes(odd + p); }
+    RVX_INLINE Lanes evenAt(int p) const { return loadLanesOnce(even + p); }
+    RVX_INLINE Lanes oddAt(int p) const { return loadLanesOnce(odd + p); }
     RVX_INLINE void set(int p, double e, double o)
     {
         even[p] = e;
@@ -154,7 +167,7 @@ struct RealWindow {
 };
 
 struct CplxWindow {
-    enum { tileVectors = 1 };
+    enum { width = 4 };
     double evenRe[RVX_CONV_WINDOW];
     double evenIm[RVX_CONV_WINDOW];
     double oddRe[RVX_CONV_WINDOW];
@@ -162,9 +175,12 @@ struct CplxWindow {
 
     RVX_INLINE CplxLanes evenAt(int p) const
     {
-        return {loadLanes(evenRe + p), loadLanes(evenIm + p)};
+        return {loadLanesOnce(evenRe + p), loadLanesOnce(evenIm + p)};
     }
-    RVX_INLINE CplxLanes oddAt(int p) const { return {loadLanes(oddRe + p), loadLanes(oddIm + p)}; }
+    RVX_INLINE CplxLanes oddAt(int p) const
+    {
+        return {loadLanesOnce(oddRe + p), loadLanesOnce(oddIm + p)};
+    }
     RVX_INLINE void set(int p, ZCplx e, ZCplx o)
     {
         evenRe[p] = e.re;
@@ -178,133 +194,177 @@ struct CplxWindow {
         const Lanes b = loadLanes(x + 2);
         const Lanes c = loadLanes(x + 4);
         const Lanes d = loadLanes(x + 6);
-        const Lanes evens[2] = {firstHalves(a, b), firstHalves(c, d)};
-        const Lanes odds[2] = {lastHalves(a, b), lastHalves(c, d)};
-        storeLanes(evenRe + p, evenElements(evens[0], evens[1]));
-        storeLanes(evenIm + p, oddElements(evens[0], evens[1]));
-        storeLanes(oddRe + p, evenElements(odds[0], odds[1]));
-        storeLanes(oddIm + p, oddElements(odds[0], odds[1]));
+        const Lanes even02 = firstHalves(a, c);
+        const Lanes even13 = firstHalves(b, d);
+        const Lanes odd02 = lastHalves(a, c);
+        const Lanes odd13 = lastHalves(b, d);
+        storeLanes(evenRe + p, evenLanes(even02, even13));
+        storeLanes(evenIm + p, oddLanes(even02, even13));
+        storeLanes(oddRe + p, evenLanes(odd02, odd13));
+        storeLanes(oddIm + p, oddLanes(odd02, odd13));
     }
 };
 
+// Complex elements whole: real taps need no more.
+struct PairWindow {
+    enum { width = 2 };
+    ZCplx even[RVX_CONV_WINDOW];
+    ZCplx odd[RVX_CONV_WINDOW];
+
+    RVX_INLINE CplxPair evenAt(int p) const { return {loadLanesOnce(even + p)}; }
+    RVX_INLINE CplxPair oddAt(int p) const { return {loadLanesOnce(odd + p)}; }
+    RVX_INLINE void set(int p, ZCplx e, ZCplx o)
+    {
+        even[p] = e;
+        odd[p] = o;
+    }
+    RVX_INLINE void setFour(int p, const ZCplx *x)
+    {
+        for (int i = 0; i < 4; i += 2) {
+            const Lanes a = loadLanes(x + 2 * i);
+            const Lanes b = loadLanes(x + 2 * i + 2);
+            storeLanes(even + p + i, firstHalves(a, b));
+            storeLanes(odd + p + i, lastHalves(a, b));
+        }
+    }
+};
+
+// Places from..to-1.
 template <typename Window, typename Long>
-RVX_INLINE void fillWindow(Window &window, const Long *x, int pairs, int first)
+RVX_INLINE void fillWindow(Window &window, const Long *x, int pairs, int first, int from, int to)
 {
-    int p = 0;
-    for (; p < RVX_CONV_WINDOW && first + p < 0; ++p)
+    int p = from;
+    for (; p < to && first + p < 0; ++p)
         window.set(p, Long{}, Long{});
-    for (; p + 4 <= RVX_CONV_WINDOW && first + p + 4 <= pairs; p += 4)
+    for (; p + 4 <= to && first + p + 4 <= pairs; p += 4)
         window.setFour(p, x + 2 * (first + p));
-    for (; p < RVX_CONV_WINDOW && first + p < pairs; ++p)
+    for (; p < to && first + p < pairs; ++p)
         window.set(p, x[2 * (first + p)], x[2 * (first + p) + 1]);
-    for (; p < RVX_CONV_WINDOW; ++p)
+    for (; p < to; ++p)
         window.set(p, Long{}, Long{});
 }
 
-// Four even outputs and the four odd ones behind each.
+// A vector of even outputs and the odd ones behind each.
 RVX_INLINE void storeOutputs(double *y, Lanes even, Lanes odd)
 {
-    storeLanes(y, interleaveLow(even, odd));
-    storeLanes(y + 4, interleaveHigh(even, odd));
+    const Lanes outer = evenLanes(even, odd); // outputs 0, 1, 4, 5
+    const Lanes inner = oddLanes(even, odd);
+    storeLanes(y, firstHalves(outer, inner));
+    storeLanes(y + 4, lastHalves(outer, inner));
 }
 
 RVX_INLINE void storeOutputs(ZCplx *y, CplxLanes even, CplxLanes odd)
 {
-    const Lanes evenLow = interleaveLow(even.re, even.im);
-    const Lanes evenHigh = interleaveHigh(even.re, even.im);
-    const Lanes oddLow = interleaveLow(odd.re, odd.im);
-    const Lanes oddHigh = interleaveHigh(odd.re, odd.im);
-    storeLanes(y, firstHalves(evenLow, oddLow));
-    storeLanes(y + 2, lastHalves(evenLow, oddLow));
-    storeLanes(y + 4, firstHalves(evenHigh, oddHigh));
-    storeLanes(y + 6, lastHalves(evenHigh, oddHigh));
+    const Lanes even02 = evenLanes(even.re, even.im);
+    const Lanes even13 = oddLanes(even.re, even.im);
+    const Lanes odd02 = evenLanes(odd.re, odd.im);
+    const Lanes odd13 = oddLanes(odd.re, odd.im);
+    storeLanes(y, firstHalves(even02, odd02));
+    storeLanes(y + 2, firstHalves(even13, odd13));
+    storeLanes(y + 4, lastHalves(even02, odd02));
+    storeLanes(y + 6, lastHalves(even13, odd13));
 }
 
-// The pairs of taps from..to-1 for 8 * vectors outputs, whose first pair of x stands
-// at place p. Enough sums at a time to hide how long an addition takes.
-template <int vectors, typename Window, typename Short, typename Out>
-RVX_INLINE void sumTile(const Window &window, int p, const Short *h, int from, int to, Out *y)
+RVX_INLINE void storeOutputs(ZCplx *y, CplxPair even, CplxPair odd)
 {
-    using Sum = decltype(product(window.evenAt(0), spread(*h)));
+    storeLanes(y, firstHalves(even.z, odd.z));
+    storeLanes(y + 2, lastHalves(even.z, odd.z));
+}
+
+// 2 * width * vectors outputs, whose first pair of x stands at place p, from the pairs of taps
+// from..to-1 and the last tap of an odd number. Enough sums at a time to hide how long
+// an addition takes.
+template <int vectors, typename Window, typename Tap, typename Out>
+RVX_INLINE void sumTile(const Window &window, int p, const Tap *taps, int tapsLen, int from, int to,
+                        Out *y)
+{
+    using Sum = decltype(product(window.evenAt(0), taps[0]));
     Sum even[vectors] = {};
     Sum odd[vectors] = {};
-    for (int q = from; q < to; ++q) {
-        const auto h0 = spread(h[2 * q]);
-        const auto h1 = spread(h[2 * q + 1]);
+    for (int q = from; q < to; ++q)
         for (int v = 0; v < vectors; ++v) {
-            const int at = p + 4 * v - q;
-            const auto x0 = window.evenAt(at);
-            even[v] = plus(product(x0, h0), plus(product(window.oddAt(at - 1), h1), even[v]));
-            odd[v] = plus(product(x0, h1), plus(product(window.oddAt(at), h0), odd[v]));
+            const int at = p + Window::width * v - q;
+            const auto x = window.evenAt(at);
+            const Tap h0 = taps[2 * q];
+            const Tap h1 = taps[2 * q + 1];
+            even[v] = plus(product(x, h0), plus(product(window.oddAt(at - 1), h1), even[v]));
+            odd[v] = plus(product(x, h1), plus(product(window.oddAt(at), h0), odd[v]));
         }
+    for (int v = 0; v < vectors; ++v) {
+        if (tapsLen % 2 != 0) {
+            const int at = p + Window::width * v - tapsLen / 2;
+            even[v] = plus(even[v], product(window.evenAt(at), taps[tapsLen - 1]));
+            odd[v] = plus(odd[v], product(window.oddAt(at), taps[tapsLen - 1]));
+        }
+        storeOutputs(y + 2 * Window::width * v, even[v], odd[v]);
     }
-    for (int v = 0; v < vectors; ++v)
-        storeOutputs(y + 8 * v, even[v], odd[v]);
 }
 
-// What pairs of taps and pairs of x give, to outputs 2 * first and on, `count` of them.
-template <typename Window, typename Long, typename Short, typename Out>
-RVX_INLINE void sumChunk(const Long *x, int xPairs, const Short *h, int hPairs, int first,
+// What all taps and the pairs of x give, to `count` outputs from 2 * first on.
+template <int vectors, typename Window, typename Long, typename Tap, typename Out>
+RVX_INLINE void sumChunk(const Long *x, int xPairs, const Tap *taps, int tapsLen, int first,
                          int count, Out *y)
 {
-    constexpr int vectors = Window::tileVectors;
-    constexpr int tilePairs = 4 * vectors;
+    constexpr int tilePairs = Window::width * vectors;
+    const int hPairs = tapsLen / 2;
+    const int pairs = (count + 1) / 2;
     Window window;
-    fillWindow(window, x, xPairs, first - RVX_CONV_LEAD);
+    fillWindow(window, x, xPairs, first - RVX_CONV_LEAD, RVX_CONV_LEAD - hPairs,
+               RVX_CONV_LEAD + (pairs + tilePairs - 1) / tilePairs * tilePairs);
     for (int t = 0; 2 * t < count; t += tilePairs) {
         // Only taps that meet an element of x.
         const int from = first + t > xPairs ? first + t - xPairs : 0;
         const int to = first + t + tilePairs < hPairs ? first + t + tilePairs : hPairs;
         const int left = count - 2 * t;
         if (left >= 2 * tilePairs) {
-            sumTile<vectors>(window, RVX_CONV_LEAD + t, h, from, to, y + 2 * t);
+            sumTile<vectors>(window, RVX_CONV_LEAD + t, taps, tapsLen, from, to, y + 2 * t);
             continue;
         }
         Out tile[2 * tilePairs];
-        sumTile<vectors>(window, RVX_CONV_LEAD + t, h, from, to, tile);
+        sumTile<vectors>(window, RVX_CONV_LEAD + t, taps, tapsLen, from, to, tile);
         std::memcpy(y + 2 * t, tile, static_cast<unsigned>(left) * sizeof(Out));
     }
 }
 
-template <typename Window, typename Long, typename Short, typename Out>
+template <int vectors, typename Window, typename Long, typename Short, typename Out>
 RVX_INLINE void sumAll(const Long *x, int xLen, const Short *h, int hLen, Out *y)
 {
     const std::int64_t total = std::int64_t{xLen} + hLen - 1;
-    const int xPairs = xLen / 2;
-    const int hPairs = hLen / 2;
+    // Spread beforehand: compilers would load several and take them apart by shuffles.
+    decltype(spread(*h)) taps[RVX_CONV_DIRECT_MAX];
+    for (int j = 0; j < hLen; ++j)
+        taps[j] = spread(h[j]);
     for (std::int64_t n = 0; n < total; n += 2 * RVX_CONV_CHUNK) {
         const std::int64_t left = total - n;
         const int count = left < 2 * RVX_CONV_CHUNK ? static_cast<int>(left) : 2 * RVX_CONV_CHUNK;
-        sumChunk<Window>(x, xPairs, h, hPairs, static_cast<int>(n / 2), count, y + n);
-        if (hLen % 2 != 0)
-            for (std::int64_t i = n > hLen - 1 ? n : hLen - 1; i < n + count; ++i)
-                y[i] = plus(y[i], product(x[i - (hLen - 1)], h[hLen - 1]));
+        sumChunk<vectors, Window>(x, xLen / 2, taps, hLen, static_cast<int>(n / 2), count, y + n);
     }
+    // What an odd length of x leaves over.
     if (xLen % 2 != 0) {
         Out *end = y + (xLen - 1);
-        for (int j = 0; j < 2 * hPairs; ++j)
+        for (int j = 0; j < hLen; ++j)
             end[j] = plus(end[j], product(x[xLen - 1], h[j]));
     }
 }
 
 RVX_KERNEL void convReal(const double *x, int xLen, const double *h, int hLen, double *y)
 {
-    sumAll<RealWindow>(x, xLen, h, hLen, y);
+    sumAll<4, RealWindow>(x, xLen, h, hLen, y);
 }
 
 RVX_KERNEL void convComplex(const ZCplx *x, int xLen, const ZCplx *h, int hLen, ZCplx *y)
 {
-    sumAll<CplxWindow>(x, xLen, h, hLen, y);
+    sumAll<1, CplxWindow>(x, xLen, h, hLen, y);
 }
 
 RVX_KERNEL void convComplexReal(const ZCplx *x, int xLen, const double *h, int hLen, ZCplx *y)
 {
-    sumAll<CplxWindow>(x, xLen, h, hLen, y);
+    sumAll<4, PairWindow>(x, xLen, h, hLen, y);
 }
 
 RVX_KERNEL void convRealComplex(const double *x, int xLen, const ZCplx *h, int hLen, ZCplx *y)
 {
-    sumAll<RealWindow>(x, xLen, h, hLen, y);
+    sumAll<2, RealWindow>(x, xLen, h, hLen, y);
 }
 
 // ---- the engine ---------------------------------------------------------------
