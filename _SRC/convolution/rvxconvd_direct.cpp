@@ -347,27 +347,131 @@ RVX_INLINE void sumAll(const Long *x, int xLen, const Short *h, int hLen, Out *y
     }
 }
 
+// ---- few taps -----------------------------------------------------------------
+
+// With few taps the way into windows and out of them would cost more than the sums.
+// So x is taken as it stands, even and odd outputs by turns in a vector, which for the
+// former of their two products get other elements and taps than for the latter.
+
+struct FewRealReal {
+    enum { width = 4 }; // outputs in a vector
+    struct Tap {
+        Lanes h;
+    };
+    static RVX_INLINE Lanes load(const double *x) { return loadLanes(x); }
+    static RVX_INLINE Lanes mix(Lanes even, Lanes odd) { return blendOdd(even, odd); }
+    static RVX_INLINE Tap tap(double even, double odd) { return {lanesOf(even, odd, even, odd)}; }
+    static RVX_INLINE Lanes product(Lanes x, Tap t) { return x * t.h; }
+};
+
+struct FewCplxReal {
+    enum { width = 2 };
+    using Tap = FewRealReal::Tap;
+    static RVX_INLINE Lanes load(const ZCplx *x) { return loadLanes(x); }
+    static RVX_INLINE Lanes mix(Lanes even, Lanes odd) { return outerHalves(even, odd); }
+    static RVX_INLINE Tap tap(double even, double odd) { return {lanesOf(even, even, odd, odd)}; }
+    static RVX_INLINE Lanes product(Lanes x, Tap t) { return x * t.h; }
+};
+
+struct FewRealCplx {
+    enum { width = 2 };
+    using Tap = FewRealReal::Tap;
+    static RVX_INLINE Lanes load(const double *x) { return lanesOf(x[0], x[0], x[1], x[1]); }
+    static RVX_INLINE Lanes mix(Lanes even, Lanes odd) { return outerHalves(even, odd); }
+    static RVX_INLINE Tap tap(ZCplx even, ZCplx odd) { return {pairLanes(even, odd)}; }
+    static RVX_INLINE Lanes product(Lanes x, Tap t) { return x * t.h; }
+};
+
+struct FewCplxCplx {
+    enum { width = 2 };
+    struct Tap {
+        Lanes re;
+        Lanes im; // with the sign that it has in the product's real part
+    };
+    static RVX_INLINE Lanes load(const ZCplx *x) { return loadLanes(x); }
+    static RVX_INLINE Lanes mix(Lanes even, Lanes odd) { return outerHalves(even, odd); }
+    static RVX_INLINE Tap tap(ZCplx even, ZCplx odd)
+    {
+        const Lanes taps = pairLanes(even, odd);
+        return {realParts(taps), negateEven(imagParts(taps))};
+    }
+    static RVX_INLINE Lanes product(Lanes x, Tap t) { return x * t.re + swapParts(x) * t.im; }
+};
+
+enum {
+    RVX_CONV_FEW_TAPS = 7,
+    RVX_CONV_FEW_VECTORS = 4,
+    RVX_CONV_FEW_LEN = 32 // of x, that there be a vector of outputs between its ends
+};
+
+template <typename Few, typename Long, typename Short, typename Out>
+RVX_INLINE void sumFew(const Long *x, int xLen, const Short *h, int hLen, Out *y)
+{
+    constexpr int step = Few::width * RVX_CONV_FEW_VECTORS;
+    const int hPairs = hLen / 2;
+    typename Few::Tap former[RVX_CONV_FEW_TAPS / 2];
+    typename Few::Tap latter[RVX_CONV_FEW_TAPS / 2];
+    for (int q = 0; q < hPairs; ++q) {
+        former[q] = Few::tap(h[2 * q + 1], h[2 * q]);
+        latter[q] = Few::tap(h[2 * q], h[2 * q + 1]);
+    }
+    const typename Few::Tap last = Few::tap(h[hLen - 1], h[hLen - 1]);
+
+    // Outputs from an even one on that all pairs of taps and of x contribute to.
+    std::int64_t n = 2 * hPairs;
+    for (; n + step <= (xLen & ~1); n += step) {
+        Lanes sums[RVX_CONV_FEW_VECTORS] = {};
+        for (int q = 0; q < hPairs; ++q)
+            for (int v = 0; v < RVX_CONV_FEW_VECTORS; ++v) {
+                const Long *at = x + n - 2 * q + Few::width * v;
+                const Lanes here = Few::load(at);
+                const Lanes before = Few::load(at - 1);
+                sums[v] = Few::product(Few::mix(before, here), former[q]) + sums[v];
+                sums[v] = Few::product(Few::mix(here, before), latter[q]) + sums[v];
+            }
+        for (int v = 0; v < RVX_CONV_FEW_VECTORS; ++v) {
+            if (hLen % 2 != 0)
+                sums[v] =
+                    sums[v] + Few::product(Few::load(x + n - 2 * hPairs + Few::width * v), last);
+            storeLanes(y + n + Few::width * v, sums[v]);
+        }
+    }
+    for (std::int64_t i = 0; i < 2 * hPairs; ++i)
+        y[i] = outputAt(x, xLen, h, hLen, i);
+    for (; n < std::int64_t{xLen} + hLen - 1; ++n)
+        y[n] = outputAt(x, xLen, h, hLen, n);
+}
+
+// ---- the engines --------------------------------------------------------------
+
+template <typename Few, int vectors, typename Window, typename Long, typename Short, typename Out>
+RVX_INLINE void sumInLanes(const Long *x, int xLen, const Short *h, int hLen, Out *y)
+{
+    if (hLen <= RVX_CONV_FEW_TAPS && xLen >= RVX_CONV_FEW_LEN)
+        sumFew<Few>(x, xLen, h, hLen, y);
+    else
+        sumAll<vectors, Window>(x, xLen, h, hLen, y);
+}
+
 RVX_KERNEL void convReal(const double *x, int xLen, const double *h, int hLen, double *y)
 {
-    sumAll<4, RealWindow>(x, xLen, h, hLen, y);
+    sumInLanes<FewRealReal, 4, RealWindow>(x, xLen, h, hLen, y);
 }
 
 RVX_KERNEL void convComplex(const ZCplx *x, int xLen, const ZCplx *h, int hLen, ZCplx *y)
 {
-    sumAll<1, CplxWindow>(x, xLen, h, hLen, y);
+    sumInLanes<FewCplxCplx, 1, CplxWindow>(x, xLen, h, hLen, y);
 }
 
 RVX_KERNEL void convComplexReal(const ZCplx *x, int xLen, const double *h, int hLen, ZCplx *y)
 {
-    sumAll<4, PairWindow>(x, xLen, h, hLen, y);
+    sumInLanes<FewCplxReal, 4, PairWindow>(x, xLen, h, hLen, y);
 }
 
 RVX_KERNEL void convRealComplex(const double *x, int xLen, const ZCplx *h, int hLen, ZCplx *y)
 {
-    sumAll<2, RealWindow>(x, xLen, h, hLen, y);
+    sumInLanes<FewRealCplx, 2, RealWindow>(x, xLen, h, hLen, y);
 }
-
-// ---- the engine ---------------------------------------------------------------
 
 bool isFinite(double h)
 {
