@@ -404,22 +404,22 @@ enum {
     RVX_CONV_FEW_LEN = 32 // of x, that there be a vector of outputs between its ends
 };
 
-template <typename Few, typename Long, typename Short, typename Out>
-RVX_INLINE void sumFew(const Long *x, int xLen, const Short *h, int hLen, Out *y)
+// Outputs from an even one on, `step` at a time, that all pairs of taps and of x
+// contribute to; gives the first that is left.
+template <typename Few, int hPairs, typename Long, typename Short, typename Out>
+RVX_INLINE std::int64_t sumBetween(const Long *x, std::int64_t end, const Short *h, int hLen,
+                                   Out *y)
 {
     constexpr int step = Few::width * RVX_CONV_FEW_VECTORS;
-    const int hPairs = hLen / 2;
-    typename Few::Tap former[RVX_CONV_FEW_TAPS / 2];
-    typename Few::Tap latter[RVX_CONV_FEW_TAPS / 2];
+    typename Few::Tap former[hPairs + 1];
+    typename Few::Tap latter[hPairs + 1];
     for (int q = 0; q < hPairs; ++q) {
         former[q] = Few::tap(h[2 * q + 1], h[2 * q]);
         latter[q] = Few::tap(h[2 * q], h[2 * q + 1]);
     }
     const typename Few::Tap last = Few::tap(h[hLen - 1], h[hLen - 1]);
-
-    // Outputs from an even one on that all pairs of taps and of x contribute to.
     std::int64_t n = 2 * hPairs;
-    for (; n + step <= (xLen & ~1); n += step) {
+    for (; n + step <= end; n += step) {
         Lanes sums[RVX_CONV_FEW_VECTORS] = {};
         for (int q = 0; q < hPairs; ++q)
             for (int v = 0; v < RVX_CONV_FEW_VECTORS; ++v) {
@@ -430,13 +430,34 @@ RVX_INLINE void sumFew(const Long *x, int xLen, const Short *h, int hLen, Out *y
                 sums[v] = Few::product(Few::mix(here, before), latter[q]) + sums[v];
             }
         for (int v = 0; v < RVX_CONV_FEW_VECTORS; ++v) {
+            const int at = Few::width * v;
             if (hLen % 2 != 0)
-                sums[v] =
-                    sums[v] + Few::product(Few::load(x + n - 2 * hPairs + Few::width * v), last);
-            storeLanes(y + n + Few::width * v, sums[v]);
+                sums[v] = sums[v] + Few::product(Few::load(x + n - 2 * hPairs + at), last);
+            storeLanes(y + n + at, sums[v]);
         }
     }
-    for (std::int64_t i = 0; i < 2 * hPairs; ++i)
+    return n;
+}
+
+template <typename Few, typename Long, typename Short, typename Out>
+RVX_INLINE void sumFew(const Long *x, int xLen, const Short *h, int hLen, Out *y)
+{
+    const std::int64_t end = xLen & ~1;
+    std::int64_t n;
+    switch (hLen / 2) {
+    case 0:
+        n = sumBetween<Few, 0>(x, end, h, hLen, y);
+        break;
+    case 1:
+        n = sumBetween<Few, 1>(x, end, h, hLen, y);
+        break;
+    case 2:
+        n = sumBetween<Few, 2>(x, end, h, hLen, y);
+        break;
+    default:
+        n = sumBetween<Few, 3>(x, end, h, hLen, y);
+    }
+    for (int i = 0; i < (hLen & ~1); ++i)
         y[i] = outputAt(x, xLen, h, hLen, i);
     for (; n < std::int64_t{xLen} + hLen - 1; ++n)
         y[n] = outputAt(x, xLen, h, hLen, n);
@@ -444,33 +465,44 @@ RVX_INLINE void sumFew(const Long *x, int xLen, const Short *h, int hLen, Out *y
 
 // ---- the engines --------------------------------------------------------------
 
-template <typename Few, int vectors, typename Window, typename Long, typename Short, typename Out>
-RVX_INLINE void sumInLanes(const Long *x, int xLen, const Short *h, int hLen, Out *y)
-{
-    if (hLen <= RVX_CONV_FEW_TAPS && xLen >= RVX_CONV_FEW_LEN)
-        sumFew<Few>(x, xLen, h, hLen, y);
-    else
-        sumAll<vectors, Window>(x, xLen, h, hLen, y);
-}
-
 RVX_KERNEL void convReal(const double *x, int xLen, const double *h, int hLen, double *y)
 {
-    sumInLanes<FewRealReal, 4, RealWindow>(x, xLen, h, hLen, y);
+    sumAll<4, RealWindow>(x, xLen, h, hLen, y);
+}
+
+RVX_KERNEL void convFewReal(const double *x, int xLen, const double *h, int hLen, double *y)
+{
+    sumFew<FewRealReal>(x, xLen, h, hLen, y);
 }
 
 RVX_KERNEL void convComplex(const ZCplx *x, int xLen, const ZCplx *h, int hLen, ZCplx *y)
 {
-    sumInLanes<FewCplxCplx, 1, CplxWindow>(x, xLen, h, hLen, y);
+    sumAll<1, CplxWindow>(x, xLen, h, hLen, y);
+}
+
+RVX_KERNEL void convFewComplex(const ZCplx *x, int xLen, const ZCplx *h, int hLen, ZCplx *y)
+{
+    sumFew<FewCplxCplx>(x, xLen, h, hLen, y);
 }
 
 RVX_KERNEL void convComplexReal(const ZCplx *x, int xLen, const double *h, int hLen, ZCplx *y)
 {
-    sumInLanes<FewCplxReal, 4, PairWindow>(x, xLen, h, hLen, y);
+    sumAll<4, PairWindow>(x, xLen, h, hLen, y);
+}
+
+RVX_KERNEL void convFewComplexReal(const ZCplx *x, int xLen, const double *h, int hLen, ZCplx *y)
+{
+    sumFew<FewCplxReal>(x, xLen, h, hLen, y);
 }
 
 RVX_KERNEL void convRealComplex(const double *x, int xLen, const ZCplx *h, int hLen, ZCplx *y)
 {
-    sumInLanes<FewRealCplx, 2, RealWindow>(x, xLen, h, hLen, y);
+    sumAll<2, RealWindow>(x, xLen, h, hLen, y);
+}
+
+RVX_KERNEL void convFewRealComplex(const double *x, int xLen, const ZCplx *h, int hLen, ZCplx *y)
+{
+    sumFew<FewRealCplx>(x, xLen, h, hLen, y);
 }
 
 bool isFinite(double h)
@@ -493,15 +525,22 @@ bool allFinite(const Short *h, int hLen)
 }
 
 template <typename Long, typename Short, typename Out>
+struct Kernels {
+    void (*tiles)(const Long *, int, const Short *, int, Out *);
+    void (*few)(const Long *, int, const Short *, int, Out *);
+};
+
+template <typename Long, typename Short, typename Out>
 void sumDirectly(const Long *x, int xLen, const Short *h, int hLen, Out *y,
-                 void (*inLanes)(const Long *, int, const Short *, int, Out *))
+                 Kernels<Long, Short, Out> kernels)
 {
-    if (allFinite(h, hLen)) {
-        inLanes(x, xLen, h, hLen, y);
-        return;
-    }
-    for (std::int64_t n = 0; n < std::int64_t{xLen} + hLen - 1; ++n)
-        y[n] = outputAt(x, xLen, h, hLen, n);
+    if (!allFinite(h, hLen))
+        for (std::int64_t n = 0; n < std::int64_t{xLen} + hLen - 1; ++n)
+            y[n] = outputAt(x, xLen, h, hLen, n);
+    else if (hLen <= RVX_CONV_FEW_TAPS && xLen >= RVX_CONV_FEW_LEN)
+        kernels.few(x, xLen, h, hLen, y);
+    else
+        kernels.tiles(x, xLen, h, hLen, y);
 }
 
 } // namespace
@@ -512,24 +551,24 @@ void rvxdConv0(const double *x, int xLen, const double *h, int hLen, double *y)
 {
     if (!rvxConvArgumentsGood(__func__, x, xLen, h, hLen, y))
         return;
-    sumDirectly(x, xLen, h, hLen, y, convReal);
+    sumDirectly<double, double, double>(x, xLen, h, hLen, y, {convReal, convFewReal});
 }
 
 void rvxzConv0(const ZCplx *x, int xLen, const ZCplx *h, int hLen, ZCplx *y)
 {
-    sumDirectly(x, xLen, h, hLen, y, convComplex);
+    sumDirectly<ZCplx, ZCplx, ZCplx>(x, xLen, h, hLen, y, {convComplex, convFewComplex});
 }
 
 void rvxzdConv0(const ZCplx *x, int xLen, const double *h, int hLen, ZCplx *y)
 {
     if (!rvxConvArgumentsGood(__func__, x, xLen, h, hLen, y))
         return;
-    sumDirectly(x, xLen, h, hLen, y, convComplexReal);
+    sumDirectly<ZCplx, double, ZCplx>(x, xLen, h, hLen, y, {convComplexReal, convFewComplexReal});
 }
 
 void rvxdzConv0(const double *x, int xLen, const ZCplx *h, int hLen, ZCplx *y)
 {
     if (!rvxConvArgumentsGood(__func__, x, xLen, h, hLen, y))
         return;
-    sumDirectly(x, xLen, h, hLen, y, convRealComplex);
+    sumDirectly<double, ZCplx, ZCplx>(x, xLen, h, hLen, y, {convRealComplex, convFewRealComplex});
 }
