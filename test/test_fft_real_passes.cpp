@@ -139,3 +139,26 @@ TEST(CcsPass, SameBitsAsTheFormulaAtEveryBin)
         }
     }
 }
+
+TEST(RealProduct, SameBitsAsPostProductAndPreOneAfterTheOther)
+{
+    for (int order = 4; order <= 11; ++order) {
+        const std::size_t h = std::size_t{1} << (order - 1);
+        const ZCplx *ccsTwist = rvxGetCcsTwistTbl(order);
+        for (unsigned seed = 0; seed < 20; ++seed) {
+            const std::vector<ZCplx> values = mixedValues(h, seed);
+            const std::vector<ZCplx> factors = mixedValues(h, seed + 100);
+            std::vector<ZCplx> bins = plainPost(values, 1, 1.0, rvxGetRealTwistTbl(order));
+            for (std::size_t k = 1; k < h; ++k)
+                bins[k] = rvxzMpy(bins[k], factors[k]);
+            std::vector<ZCplx> expected = plainPre(bins, bins, -1, ccsTwist);
+            const double first = (values[0].re + values[0].im) * factors[0].re;
+            const double last = (values[0].re - values[0].im) * factors[0].im;
+            expected[0] = {first + last, first - last};
+            Guarded<ZCplx> z(values, static_cast<int>(seed % 4));
+            rvxRealFftProduct(factors.data(), z.data(), static_cast<int>(h), ccsTwist);
+            EXPECT_TRUE(z.intact());
+            expectSameBits(flat(z.values()), flat(expected), "h " + std::to_string(h));
+        }
+    }
+}
