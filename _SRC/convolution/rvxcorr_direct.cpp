@@ -49,7 +49,10 @@ struct RealByComplex {
     };
 
     static RVX_INLINE double second(double f) { return CONJUGATED ? -f : f; }
-    static RVX_INLINE Spread spread(double f) { return {allLanes(ZCplx{f, second(f)})}; }
+    static RVX_INLINE Spread spread(double f)
+    {
+        return {CONJUGATED ? conjugated(allLanes(f)) : allLanes(f)};
+    }
     static RVX_INLINE void add(Sums &s, Spread f, const ZCplx *v)
     {
         s.all = s.all + f.f * loadLanes(v);
@@ -102,7 +105,7 @@ struct ComplexByComplex {
     using Factor = ZCplx;
     using Value = ZCplx;
     using Sum = ZCplx;
-    enum { LAGS = 2, REGISTERS = 8 };
+    enum { LAGS = 2, REGISTERS = 4 }; // additions set the pace, not latencies
     struct Sums {
         Lanes all;
     };
@@ -112,8 +115,8 @@ struct ComplexByComplex {
 
     static RVX_INLINE Spread spread(ZCplx f)
     {
-        return VALUE_CONJUGATED ? Spread{allLanes(ZCplx{f.re, -f.re}), allLanes(f.im)}
-                                : Spread{allLanes(f.re), allLanes(ZCplx{f.im, -f.im})};
+        return VALUE_CONJUGATED ? Spread{conjugated(allLanes(f.re)), allLanes(f.im)}
+                                : Spread{allLanes(f.re), conjugated(allLanes(f.im))};
     }
     static RVX_INLINE void add(Sums &s, Spread f, const ZCplx *v)
     {

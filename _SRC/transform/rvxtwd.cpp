@@ -51,15 +51,33 @@ struct Circle {
     }
 };
 
-// W(N, k), W(N, k + step) and so on, four at a time in the order of lanes that
-// the passes use, real parts before imaginary ones.
+// sign * sine[i], and on by `step`, in the order of lanes that the passes use.
+void putSines(double *p, const double *sine, std::int64_t i, std::int64_t step, double sign)
+{
+    p[0] = sign * sine[i];
+    p[1] = sign * sine[i + 2 * step];
+    p[2] = sign * sine[i + step];
+    p[3] = sign * sine[i + 3 * step];
+}
+
+// W(N, k), W(N, k + step) and so on, four at a time in that order, real parts before
+// imaginary ones.
 double *putFactors(double *p, const Circle &circle, std::int64_t k, std::int64_t step)
 {
-    const std::int64_t laneElement[] = {0, 2, 1, 3};
-    for (int lane = 0; lane < 4; ++lane) {
-        const ZCplx w = circle.root(k + laneElement[lane] * step);
-        p[lane] = w.re;
-        p[lane + 4] = w.im;
+    const std::int64_t quarter = circle.quarter, half = circle.half, last = k + 3 * step;
+    if (last <= quarter) {
+        putSines(p, circle.sine, quarter - k, -step, 1.0);
+        putSines(p + 4, circle.sine, k, step, -1.0);
+    } else if (k > quarter && last <= half) {
+        putSines(p, circle.sine, k - quarter, step, -1.0);
+        putSines(p + 4, circle.sine, half - k, -step, -1.0);
+    } else {
+        const std::int64_t laneElement[] = {0, 2, 1, 3};
+        for (int lane = 0; lane < 4; ++lane) {
+            const ZCplx w = circle.root(k + laneElement[lane] * step);
+            p[lane] = w.re;
+            p[lane + 4] = w.im;
+        }
     }
     return p + 8;
 }

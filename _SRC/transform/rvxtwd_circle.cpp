@@ -1,13 +1,12 @@
 // Sines and cosines of equal steps around the circle.
 //
 // By definition each is computed in extended precision and rounded once. A call of
-// the C library takes some fifty nanoseconds, so it is made for sixteen angles of
-// each hexadecimal digit of the index alone; the other values are products of
-// these turns, carried in two doubles. Where those leave in doubt to what the
-// definition rounds, which is about one value in fifty, the definition is
-// computed. (Rounding in doubt: A. Ziv, Fast evaluation of elementary mathematical
-// functions with correctly rounded last bit, 1991. Exact sums: D. E. Knuth, The Art
-// of Computer Programming 2, 4.2.2.)
+// the C library takes some fifty nanoseconds; so the values are products of the turns
+// by each hexadecimal digit of the index, which are constants, carried in two
+// doubles. Where those leave in doubt to what the definition rounds, which is about
+// one value in fifty, the definition is computed. (Rounding in doubt: A. Ziv, Fast
+// evaluation of elementary mathematical functions with correctly rounded last bit,
+// 1991. Exact sums: D. E. Knuth, The Art of Computer Programming 2, 4.2.2.)
 
 #include "transform/rvxtwd_circle.h"
 
@@ -16,6 +15,7 @@
 #include <cstring>
 
 #include "frame/rvxlanes.h"
+#include "transform/rvxtwd_circle_turns.h"
 
 namespace {
 
@@ -24,19 +24,10 @@ constexpr double RVX_TWO_PI = 6.283185307179586;
 constexpr double RVX_LATE[] = {0.0, 6.123233995736766e-17, 1.2246467991473532e-16,
                                1.8369701987210297e-16, 2.4492935982947064e-16};
 
-enum { DIGIT_BITS = 4, DIGIT_VALUES = 1 << DIGIT_BITS, MAX_DIGITS = 7 };
-
 // Cosine and sine of an angle: their upper 26 bits, so that products of heads are
 // exact, and the rest.
 struct Turn {
     double cosineHead, cosineTail, sineHead, sineTail;
-};
-
-// The turns by each value of a digit of the index. The lowest digit may have only
-// 2, 4 or 8 values, which then stand in front.
-struct Digit {
-    double cosineHead[DIGIT_VALUES], cosineTail[DIGIT_VALUES];
-    double sineHead[DIGIT_VALUES], sineTail[DIGIT_VALUES];
 };
 
 // The cosines and sines of successive angles: rounded, and what that left.
@@ -45,10 +36,11 @@ struct Arc {
     double sine[DIGIT_VALUES], sineRest[DIGIT_VALUES];
 };
 
+// The digits of an index, the highest first. The lowest may have only 2, 4 or 8 values.
 struct Digits {
-    Digit digit[MAX_DIGITS]; // the highest first
     int count;
     int lastValues;
+    Digit last;
 };
 
 double upperBits(double x)
@@ -65,21 +57,18 @@ void makeDigits(int order, Digits *digits)
 {
     const int bits = order - 3;
     digits->count = (bits + DIGIT_BITS - 1) / DIGIT_BITS;
-    for (int q = 0; q < digits->count; ++q) {
-        Digit &digit = digits->digit[q];
-        const int lowBits = bits - DIGIT_BITS * q; // of i from here on
-        const int digitBits = lowBits < DIGIT_BITS ? lowBits : DIGIT_BITS;
-        digits->lastValues = 1 << digitBits;
-        const Extended step =
-            std::ldexp(static_cast<Extended>(RVX_TWO_PI), lowBits - digitBits - order);
-        for (int d = 0; d < DIGIT_VALUES; ++d) {
-            const Extended angle = d < digits->lastValues ? d * step : 0;
-            const Extended cosine = std::cos(angle), sine = std::sin(angle);
-            digit.cosineHead[d] = upperBits(static_cast<double>(cosine));
-            digit.cosineTail[d] = static_cast<double>(cosine - digit.cosineHead[d]);
-            digit.sineHead[d] = upperBits(static_cast<double>(sine));
-            digit.sineTail[d] = static_cast<double>(sine - digit.sineHead[d]);
-        }
+    if (digits->count <= 0)
+        return;
+    const int lastBits = bits - DIGIT_BITS * (digits->count - 1);
+    const Digit &all = RVX_DIGIT_TURNS[digits->count - 1];
+    digits->lastValues = 1 << lastBits;
+    digits->last = all;
+    for (int d = 0; d < digits->lastValues; ++d) {
+        const int from = d << (DIGIT_BITS - lastBits);
+        digits->last.cosineHead[d] = all.cosineHead[from];
+        digits->last.cosineTail[d] = all.cosineTail[from];
+        digits->last.sineHead[d] = all.sineHead[from];
+        digits->last.sineTail[d] = all.sineTail[from];
     }
 }
 
@@ -131,7 +120,7 @@ void walkArcs(const Digits &digits, int q, const Turn &turn, std::int64_t i, con
     const bool last = q == digits.count - 1;
     const int values = last ? digits.lastValues : DIGIT_VALUES;
     Arc arc;
-    turnByDigit(turn, digits.digit[q], values, &arc);
+    turnByDigit(turn, last ? digits.last : RVX_DIGIT_TURNS[q], values, &arc);
     if (last) {
         take(i * values, arc, values);
         return;
@@ -150,48 +139,105 @@ void forArcs(int order, const Take &take)
 }
 
 // Whether what the definition rounds, which differs from value + rest by less than
-// 2^-59 of itself, must round to `value`.
-bool certain(double value, double rest)
+// 2^-59 of itself, must round to `value` in all lanes.
+RVX_INLINE bool certain(Lanes value, Lanes rest)
 {
-    return value + rest * (1 + 0x1p-5) == value;
+    const Lanes edge = value + rest * allLanes(1 + 0x1p-5);
+    return !anyLane({~isEqual(edge, value).b});
 }
 
-// W for the angle of (x, y), turned on by q quarters.
-RVX_INLINE ZCplx quarterTurns(double x, double y, int q)
+// up[j] = the sines of an arc of four values and more, down[-j] = the cosines. Gives
+// the groups of four that are in doubt, a bit for each, cosines from bit 4 on.
+RVX_KERNEL unsigned putArc(const Arc &arc, int values, double *up, double *down)
+{
+    unsigned doubts = 0;
+    for (int j = 0; j < values; j += 4) {
+        const Lanes sine = loadLanes(&arc.sine[j]), cosine = loadLanes(&arc.cosine[j]);
+        storeLanes(up + j, sine);
+        storeLanes(down - j - 3, reversed(cosine));
+        if (!certain(sine, loadLanes(&arc.sineRest[j])))
+            doubts |= 1u << (j / 4);
+        if (!certain(cosine, loadLanes(&arc.cosineRest[j])))
+            doubts |= 16u << (j / 4);
+    }
+    return doubts;
+}
+
+RVX_INLINE Lanes negated(Lanes a)
+{
+    return {-a.v};
+}
+
+// W for the angles of (x, y), turned on by q quarters.
+struct Roots {
+    Lanes re, im;
+};
+
+RVX_INLINE Roots quarterTurns(Lanes x, Lanes y, int q)
 {
     switch (q % 4) {
     case 0:
-        return {x, -y};
+        return {x, negated(y)};
     case 1:
-        return {-y, -x};
+        return {negated(y), negated(x)};
     case 2:
-        return {-x, y};
+        return {negated(x), y};
     default:
         return {y, x};
     }
 }
 
-// p[j] = W for the angles of the arc behind the multiple q of the quarter, from
-// j = `first` on.
-RVX_INLINE void fillAfterCorner(const Arc &arc, int q, int first, int values, ZCplx *p)
+// W for four angles of the arc behind the multiple q of the quarter.
+RVX_INLINE Roots rootsAfterCorner(const Arc &arc, int q, int j)
 {
-    const double late = RVX_LATE[q];
-    for (int j = first; j < values; ++j) {
-        const double x = arc.cosine[j] + (arc.cosineRest[j] + late * arc.sine[j]);
-        const double y = arc.sine[j] + (arc.sineRest[j] - late * arc.cosine[j]);
-        p[j] = quarterTurns(x, y, q);
-    }
+    const Lanes c = loadLanes(&arc.cosine[j]), s = loadLanes(&arc.sine[j]);
+    const Lanes late = allLanes(RVX_LATE[q]);
+    return quarterTurns(c + (loadLanes(&arc.cosineRest[j]) + late * s),
+                        s + (loadLanes(&arc.sineRest[j]) - late * c), q);
 }
 
-// p[-j] = W for the angles as far before it.
-RVX_INLINE void fillBeforeCorner(const Arc &arc, int q, int first, int values, ZCplx *p)
+// And as far before it, the farthest first.
+RVX_INLINE Roots rootsBeforeCorner(const Arc &arc, int q, int j)
 {
-    const double late = RVX_LATE[q];
-    for (int j = first; j < values; ++j) {
-        const double x = arc.cosine[j] + (arc.cosineRest[j] - late * arc.sine[j]);
-        const double y = arc.sine[j] + (arc.sineRest[j] + late * arc.cosine[j]);
-        p[-j] = quarterTurns(x, -y, q);
-    }
+    const Lanes c = loadLanes(&arc.cosine[j]), s = loadLanes(&arc.sine[j]);
+    const Lanes late = allLanes(RVX_LATE[q]);
+    const Roots roots = quarterTurns(c + (loadLanes(&arc.cosineRest[j]) - late * s),
+                                     negated(s + (loadLanes(&arc.sineRest[j]) + late * c)), q);
+    return {reversed(roots.re), reversed(roots.im)};
+}
+
+RVX_INLINE void storeRoots(ZCplx *p, const Roots &roots)
+{
+    storeLanes(p, interleaveLow(roots.re, roots.im));
+    storeLanes(p + 2, interleaveHigh(roots.re, roots.im));
+}
+
+// The arc that begins at index `begin` in all four quarters, from both ends. What
+// belongs to the corners, or stands behind the arc, is not written.
+RVX_KERNEL void putRoots(const Arc &arc, std::int64_t begin, int values, ZCplx *tbl,
+                         std::int64_t quarter)
+{
+    const int first = begin == 0;
+    for (int j = 0; j < values; j += 4)
+        for (int q = 0; q < 4; ++q) {
+            const Roots after = rootsAfterCorner(arc, q, j);
+            const Roots before = rootsBeforeCorner(arc, q + 1, j);
+            ZCplx *up = tbl + (q * quarter + begin + j);
+            ZCplx *down = tbl + ((q + 1) * quarter - begin - j - 3);
+            const int from = j == 0 ? first : 0, to = values - j;
+            if (from == 0 && to >= 4) {
+                storeRoots(up, after);
+                storeRoots(down, before);
+                continue;
+            }
+            ZCplx ups[4], downs[4];
+            storeRoots(ups, after);
+            storeRoots(downs, before);
+            for (int i = from; i < to && i < 4; ++i) {
+                up[i] = ups[i];
+                down[3 - i] = downs[3 - i];
+            }
+        }
 }
 
 } // namespace
@@ -207,16 +253,18 @@ void rvxFillSineQuarter(double *sine, int order)
     sine[quarter] = 1.0;
     if (order < 3)
         return;
-    sine[n / 8] = static_cast<double>(std::sin(static_cast<Extended>(n / 8) * step));
+    sine[n / 8] = -RVX_EIGHTH_TURNS[1].im;
+    // Short arcs are those of short circles.
     forArcs(order, [=](std::int64_t begin, const Arc &arc, int values) {
-        for (int j = 0; j < values; ++j) {
+        const unsigned doubts =
+            values < 4 ? 0xFF : putArc(arc, values, sine + begin, sine + quarter - begin);
+        for (int j = 0; doubts != 0 && j < values; ++j) {
             const std::int64_t i = begin + j;
             const Extended angle = static_cast<Extended>(i) * step;
-            sine[i] = certain(arc.sine[j], arc.sineRest[j]) ? arc.sine[j]
-                                                            : static_cast<double>(std::sin(angle));
-            sine[quarter - i] = certain(arc.cosine[j], arc.cosineRest[j])
-                                    ? arc.cosine[j]
-                                    : static_cast<double>(std::cos(angle));
+            if ((doubts >> (j / 4) & 1) != 0)
+                sine[i] = static_cast<double>(std::sin(angle));
+            if ((doubts >> (j / 4) & 16) != 0)
+                sine[quarter - i] = static_cast<double>(std::cos(angle));
         }
     });
 }
@@ -224,19 +272,11 @@ void rvxFillSineQuarter(double *sine, int order)
 void rvxFillCircle(ZCplx *tbl, int order)
 {
     const std::int64_t n = std::int64_t{1} << order;
-    const Extended step = RVX_TWO_PI / static_cast<double>(n);
     // The quarters and their middles; of a short circle, all.
-    const std::int64_t stride = n > 8 ? n / 8 : 1;
-    for (std::int64_t k = 0; k < n; k += stride) {
-        const Extended angle = static_cast<Extended>(k) * step;
-        tbl[k] = {static_cast<double>(std::cos(angle)), -static_cast<double>(std::sin(angle))};
-    }
+    for (std::int64_t k = 0; k < 8; k += n < 8 ? 8 / n : 1)
+        tbl[k * n / 8] = RVX_EIGHTH_TURNS[k];
     if (order > 3)
         forArcs(order, [=](std::int64_t begin, const Arc &arc, int values) {
-            for (int q = 0; q < 4; ++q) {
-                const std::int64_t corner = q * (n / 4);
-                fillAfterCorner(arc, q, begin == 0, values, tbl + corner + begin);
-                fillBeforeCorner(arc, q + 1, begin == 0, values, tbl + corner + n / 4 - begin);
-            }
+            putRoots(arc, begin, values, tbl, n / 4);
         });
 }
