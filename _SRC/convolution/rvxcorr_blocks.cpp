@@ -237,6 +237,16 @@ int lengthOf(std::int64_t n)
     return static_cast<int>(n);
 }
 
+// Buffers and tables come and go with each call. A block of 128 KB to 32 MB has the C
+// library keep twice its size from then on, where it would give memory back to the
+// system and fetch it anew in each call, which may take longer than the transforms. So
+// what would not do for the tables too is made longer; nothing is written there.
+std::int64_t roomFor(std::int64_t len)
+{
+    constexpr std::int64_t few = 2500, many = 1 << 20, reserve = 9000;
+    return len < few || len > many ? len : 2 * len + reserve;
+}
+
 // The cyclic correlation's first values, which are the lags.
 void putLags(const double *sums, std::int64_t n, std::int64_t lags, double *dst)
 {
@@ -315,23 +325,22 @@ CorrBlocks ownCorrBlocks(std::int64_t len, std::int64_t lags)
 bool ownObtainBuffers(std::int64_t xLen, std::int64_t yLen, std::int64_t accLen,
                       CorrBuffers *buffers)
 {
-    const std::int64_t len[] = {xLen, yLen, accLen};
-    ZCplx **slot[] = {&buffers->x, &buffers->y, &buffers->acc};
-    bool all = true;
-    for (int i = 0; i < 3; ++i) {
-        *slot[i] = all && len[i] != 0 ? rvxAllocZCplx(static_cast<std::uint32_t>(len[i])) : nullptr;
-        all = all && (len[i] == 0 || *slot[i] != nullptr);
-    }
-    if (!all)
-        ownReleaseBuffers(*buffers);
-    return all;
+    // Apart by more than a line of the cache beside a power of two: equal low bits of
+    // the addresses make loads wait for stores to other arrays.
+    constexpr std::int64_t apart = 24;
+    const std::int64_t len = xLen + yLen + accLen + 2 * apart;
+    buffers->block = rvxAllocZCplx(static_cast<std::uint32_t>(roomFor(len)));
+    if (buffers->block == nullptr)
+        return false;
+    buffers->x = buffers->block;
+    buffers->y = buffers->x + xLen + apart;
+    buffers->acc = buffers->y + yLen + apart;
+    return true;
 }
 
 void ownReleaseBuffers(const CorrBuffers &buffers)
 {
-    rvxFreeAligned(buffers.x);
-    rvxFreeAligned(buffers.y);
-    rvxFreeAligned(buffers.acc);
+    rvxFreeAligned(buffers.block);
 }
 
 void ownCopyPiece(const double *src, std::int64_t first, std::int64_t len, std::int64_t begin,

@@ -26,12 +26,13 @@ constexpr int RVX_SPLIT_FLAGS = RVX_FFT_FORWARD | RVX_FFT_OUT_BIT_REV;
 constexpr int RVX_JOIN_FLAGS = RVX_FFT_INVERSE | RVX_FFT_NO_SCALE | RVX_FFT_IN_BIT_REV;
 
 struct CorrBuffers {
+    ZCplx *block;
     ZCplx *x;
     ZCplx *y;
     ZCplx *acc;
 };
 
-// All buffers or none; a length of 0 asks for none.
+// False without memory.
 bool ownObtainBuffers(std::int64_t xLen, std::int64_t yLen, std::int64_t accLen,
                       CorrBuffers *buffers);
 void ownReleaseBuffers(const CorrBuffers &buffers);
