@@ -2,8 +2,8 @@
 //
 // The stated order is that of adding the walked operand's coefficients one after the
 // other to all of y. The order inside one output is all that shows of it, so y is
-// made in tiles that stay in registers: four rows of eight outputs, where one load
-// serves all the rows that a value counts in.
+// made in tiles that stay in registers, where one load serves all the rows that a value
+// counts in.
 
 #include <algorithm>
 #include <cmath>
@@ -14,15 +14,20 @@
 
 namespace {
 
-enum { RVX_TILE_ROWS = 4, RVX_TILE_COLS = 8 };
-
 // The narrower operand is walked. It has no more columns than this, and no more rows
 // either but where the wider one is the one below 8 by 8.
 enum { RVX_WALKED_MAX = 16 };
 
-// The walked operand, column by column.
+// The coefficients with which a row of A counts in the two rows of a tile.
+struct Pair {
+    double upper;
+    double lower;
+};
+
+// The walked operand, column by column from top to bottom; 0.0 for what is passed
+// over. Each coefficient stands with the one below it.
 struct Coefficients {
-    double value[RVX_WALKED_MAX * RVX_WALKED_MAX]; // 0.0 where it is passed over
+    Pair pair[RVX_WALKED_MAX * RVX_WALKED_MAX];
     std::int64_t rows;
     std::int64_t cols;
     bool plain; // all are finite and none is zero
@@ -37,7 +42,10 @@ Coefficients columnsOf(Matrix b)
     for (std::int64_t c = 0; c < b.cols; ++c)
         for (std::int64_t r = 0; r < b.rows; ++r) {
             const double value = b.data[r * b.cols + c];
-            k.value[c * b.rows + r] = std::isnan(value) ? 0.0 : value;
+            Pair *pair = k.pair + c * b.rows + r;
+            pair->upper = std::isnan(value) ? 0.0 : value;
+            if (r > 0)
+                pair[-1].lower = pair->upper;
             k.plain = k.plain && std::isfinite(value) && value != 0.0;
         }
     return k;
@@ -46,78 +54,111 @@ Coefficients columnsOf(Matrix b)
 // ---------------------------------------------------------------------------
 // One tile
 
+template <int tileRows, int vectors>
 struct TileSums {
-    Lanes left[RVX_TILE_ROWS];
-    Lanes right[RVX_TILE_ROWS];
+    Lanes row[tileRows][vectors];
 };
 
-// The values at `a` and the seven behind it, which count in the tile's rows from
-// `first` on, in each with a coefficient of its own.
-template <int first, int end>
-RVX_INLINE void addRow(TileSums &sums, const double *a, const double *coefficient)
+// The values from `a` on count in one row of the tile.
+template <int vectors>
+RVX_INLINE void addToRow(Lanes *row, const double *a, double coefficient)
 {
-    const Lanes left = loadLanesOnce(a), right = loadLanesOnce(a + 4);
-    for (int k = first; k < end; ++k) {
-        const Lanes factor = allLanes(coefficient[k]);
-        sums.left[k] = sums.left[k] + left * factor;
-        sums.right[k] = sums.right[k] + right * factor;
-    }
+    const Lanes factor = allLanes(coefficient);
+    for (int v = 0; v < vectors; ++v)
+        row[v] = row[v] + loadLanes(a + 4 * v) * factor;
 }
 
-// All that one column of coefficients gives, where `a` is the value that meets the
-// first of them in the tile's first output. Rows are walked upwards, so that each
-// output takes its coefficients downwards; in the tile's row k it is number k - row.
-RVX_INLINE void addColumn(TileSums &sums, const double *a, std::int64_t stride,
-                          const double *coefficient, std::int64_t rows)
-{
-    if (rows >= 3) {
-        addRow<3, 4>(sums, a + 3 * stride, coefficient - 3);
-        addRow<2, 4>(sums, a + 2 * stride, coefficient - 2);
-        addRow<1, 4>(sums, a + stride, coefficient - 1);
-        for (std::int64_t up = 0; up < rows - 3; ++up)
-            addRow<0, 4>(sums, a - up * stride, coefficient + up);
-        addRow<0, 3>(sums, a - (rows - 3) * stride, coefficient + rows - 3);
-        addRow<0, 2>(sums, a - (rows - 2) * stride, coefficient + rows - 2);
-        addRow<0, 1>(sums, a - (rows - 1) * stride, coefficient + rows - 1);
-    } else if (rows == 2) {
-        addRow<3, 4>(sums, a + 3 * stride, coefficient - 3);
-        addRow<2, 4>(sums, a + 2 * stride, coefficient - 2);
-        addRow<1, 3>(sums, a + stride, coefficient - 1);
-        addRow<0, 2>(sums, a, coefficient);
-        addRow<0, 1>(sums, a - stride, coefficient + 1);
-    } else {
-        addRow<3, 4>(sums, a + 3 * stride, coefficient - 3);
-        addRow<2, 3>(sums, a + 2 * stride, coefficient - 2);
-        addRow<1, 2>(sums, a + stride, coefficient - 1);
-        addRow<0, 1>(sums, a, coefficient);
+// Two rows of 24 outputs, for any number of coefficients.
+struct LowTile {
+    static constexpr int rows = 2, cols = 24, vectors = cols / 4;
+    using Sums = TileSums<rows, vectors>;
+
+    static RVX_INLINE void addToBoth(Sums &sums, const double *a, Pair pair)
+    {
+        const Lanes upper = allLanes(pair.upper), lower = allLanes(pair.lower);
+        for (int v = 0; v < vectors; ++v) {
+            const Lanes values = loadLanesOnce(a + 4 * v);
+            sums.row[0][v] = sums.row[0][v] + values * upper;
+            sums.row[1][v] = sums.row[1][v] + values * lower;
+        }
     }
-}
+
+    // All that one column of coefficients gives, where `a` is the value that meets the
+    // first of them in the tile's first output. Rows are walked upwards, so that each
+    // output takes its coefficients downwards.
+    static RVX_INLINE void addColumn(Sums &sums, const double *a, std::int64_t stride,
+                                     const Pair *pair, std::int64_t count)
+    {
+        addToRow<vectors>(sums.row[1], a + stride, pair->upper);
+        for (std::int64_t r = 0; r < count - 1; ++r)
+            addToBoth(sums, a - r * stride, pair[r]);
+        addToRow<vectors>(sums.row[0], a - (count - 1) * stride, pair[count - 1].upper);
+    }
+};
+
+// Four rows of 12 outputs, for columns of three coefficients, which stay in registers.
+struct HighTile {
+    static constexpr int rows = 4, cols = 12, vectors = cols / 4;
+    using Sums = TileSums<rows, vectors>;
+
+    // Row k of A, counted from the tile's first one.
+    template <int k>
+    static RVX_INLINE void addRow(Sums &sums, const double *a, std::int64_t stride, Lanes first,
+                                  Lanes second, Lanes third)
+    {
+        for (int v = 0; v < vectors; ++v) {
+            const Lanes values = loadLanesOnce(a + k * stride + 4 * v);
+            if constexpr (k >= 0)
+                sums.row[k][v] = sums.row[k][v] + values * first;
+            if constexpr (k >= -1 && k < rows - 1)
+                sums.row[k + 1][v] = sums.row[k + 1][v] + values * second;
+            if constexpr (k < rows - 2)
+                sums.row[k + 2][v] = sums.row[k + 2][v] + values * third;
+        }
+    }
+
+    static RVX_INLINE void addColumn(Sums &sums, const double *a, std::int64_t stride,
+                                     const Pair *pair, std::int64_t)
+    {
+        const Lanes first = allLanes(pair[0].upper), second = allLanes(pair[1].upper);
+        const Lanes third = allLanes(pair[2].upper);
+        addRow<3>(sums, a, stride, first, second, third);
+        addRow<2>(sums, a, stride, first, second, third);
+        addRow<1>(sums, a, stride, first, second, third);
+        addRow<0>(sums, a, stride, first, second, third);
+        addRow<-1>(sums, a, stride, first, second, third);
+        addRow<-2>(sums, a, stride, first, second, third);
+    }
+};
 
 // The tile of outputs whose first one has its first product at `a`.
-RVX_INLINE TileSums tileSums(const double *a, std::int64_t stride, const Coefficients &k,
-                             std::int64_t rows, std::int64_t cols)
+template <typename Tile>
+RVX_INLINE typename Tile::Sums tileSums(const double *a, std::int64_t stride, const Coefficients &k)
 {
-    TileSums sums;
-    for (int row = 0; row < RVX_TILE_ROWS; ++row)
-        sums.left[row] = sums.right[row] = allLanes(0.0);
-    for (std::int64_t c = 0; c < cols; ++c)
-        addColumn(sums, a - c, stride, k.value + c * rows, rows);
+    typename Tile::Sums sums;
+    for (int r = 0; r < Tile::rows; ++r)
+        for (int v = 0; v < Tile::vectors; ++v)
+            sums.row[r][v] = allLanes(0.0);
+    for (std::int64_t c = 0; c < k.cols; ++c)
+        Tile::addColumn(sums, a - c, stride, k.pair + c * k.rows, k.rows);
     return sums;
 }
 
-RVX_INLINE void storeTile(const TileSums &sums, double *y, std::int64_t stride)
+template <int tileRows, int vectors>
+RVX_INLINE void storeTile(const TileSums<tileRows, vectors> &sums, double *y, std::int64_t stride)
 {
-    for (int row = 0; row < RVX_TILE_ROWS; ++row) {
-        storeLanes(y + row * stride, sums.left[row]);
-        storeLanes(y + row * stride + 4, sums.right[row]);
-    }
+    for (int r = 0; r < tileRows; ++r)
+        for (int v = 0; v < vectors; ++v)
+            storeLanes(y + r * stride + 4 * v, sums.row[r][v]);
 }
 
-RVX_INLINE bool allFinite(const TileSums &sums)
+template <int tileRows, int vectors>
+RVX_INLINE bool allFinite(const TileSums<tileRows, vectors> &sums)
 {
     Lanes zero = allLanes(0.0);
-    for (int row = 0; row < RVX_TILE_ROWS; ++row)
-        zero = zero + (sums.left[row] - sums.left[row]) + (sums.right[row] - sums.right[row]);
+    for (int r = 0; r < tileRows; ++r)
+        for (int v = 0; v < vectors; ++v)
+            zero = zero + (sums.row[r][v] - sums.row[r][v]);
     return everyLane(isEqual(zero, allLanes(0.0)));
 }
 
@@ -149,93 +190,91 @@ double oneOutput(const Sum &sum, std::int64_t row, std::int64_t col)
 }
 
 // What of the tile at (row, col) lies in y, output by output.
-void tileByOutputs(const Sum &sum, std::int64_t row, std::int64_t col)
+void tileByOutputs(const Sum &sum, std::int64_t row, std::int64_t col, std::int64_t tileRows,
+                   std::int64_t tileCols)
 {
-    for (std::int64_t r = row; r < std::min(row + RVX_TILE_ROWS, sum.yRows); ++r)
-        for (std::int64_t c = col; c < std::min(col + RVX_TILE_COLS, sum.yCols); ++c)
+    for (std::int64_t r = row; r < std::min(row + tileRows, sum.yRows); ++r)
+        for (std::int64_t c = col; c < std::min(col + tileCols, sum.yCols); ++c)
             sum.y[r * sum.yCols + c] = oneOutput(sum, r, c);
 }
 
 // All values of A that count in the tile at (row, col), zeros where there are none.
+template <typename Tile>
 struct Patch {
-    static constexpr std::int64_t stride = RVX_WALKED_MAX - 1 + RVX_TILE_COLS;
-    double value[(RVX_WALKED_MAX - 1 + RVX_TILE_ROWS) * stride];
+    static constexpr std::int64_t stride = RVX_WALKED_MAX - 1 + Tile::cols;
+    double value[(RVX_WALKED_MAX - 1 + Tile::rows) * stride];
 };
 
-RVX_INLINE void fillPatch(Patch &patch, const Sum &sum, std::int64_t row, std::int64_t col)
+template <typename Tile>
+RVX_INLINE void fillPatch(Patch<Tile> &patch, const Sum &sum, std::int64_t row, std::int64_t col)
 {
+    constexpr std::int64_t stride = Patch<Tile>::stride;
     const std::int64_t top = row - sum.b.rows + 1, left = col - sum.b.cols + 1;
-    const std::int64_t high = sum.b.rows - 1 + RVX_TILE_ROWS;
-    const std::int64_t wide = sum.b.cols - 1 + RVX_TILE_COLS;
-    std::fill_n(patch.value, high * Patch::stride, 0.0);
+    const std::int64_t high = sum.b.rows - 1 + Tile::rows;
+    const std::int64_t wide = sum.b.cols - 1 + Tile::cols;
+    std::fill_n(patch.value, high * stride, 0.0);
     const std::int64_t from = std::max<std::int64_t>(0, -left);
     const std::int64_t end = std::min(wide, sum.a.cols - left);
     const std::int64_t rowsEnd = std::min(high, sum.a.rows - top);
     for (std::int64_t r = std::max<std::int64_t>(0, -top); r < rowsEnd; ++r)
         std::copy(sum.a.data + (top + r) * sum.a.cols + left + from,
                   sum.a.data + (top + r) * sum.a.cols + left + end,
-                  patch.value + r * Patch::stride + from);
+                  patch.value + r * stride + from);
 }
 
 // A tile that reaches beyond y or needs values beyond A. Products with zeros add
 // nothing to sums, which are never -0.0.
-template <int someRows>
+template <typename Tile>
 RVX_INLINE void edgeTile(const Sum &sum, std::int64_t row, std::int64_t col)
 {
-    Patch patch;
+    constexpr std::int64_t stride = Patch<Tile>::stride;
+    Patch<Tile> patch;
     fillPatch(patch, sum, row, col);
-    const std::int64_t rows = someRows != 0 ? someRows : sum.b.rows;
-    const TileSums sums = tileSums(patch.value + (rows - 1) * Patch::stride + sum.b.cols - 1,
-                                   Patch::stride, *sum.coefficients, rows, sum.b.cols);
+    const auto sums = tileSums<Tile>(patch.value + (sum.b.rows - 1) * stride + sum.b.cols - 1,
+                                     stride, *sum.coefficients);
     if (!sum.coefficients->plain && !allFinite(sums)) {
-        tileByOutputs(sum, row, col);
+        tileByOutputs(sum, row, col, Tile::rows, Tile::cols);
         return;
     }
-    double tile[RVX_TILE_ROWS * RVX_TILE_COLS];
-    storeTile(sums, tile, RVX_TILE_COLS);
-    const std::int64_t wide = std::min<std::int64_t>(RVX_TILE_COLS, sum.yCols - col);
-    for (std::int64_t r = 0; r < std::min<std::int64_t>(RVX_TILE_ROWS, sum.yRows - row); ++r)
-        std::copy_n(tile + r * RVX_TILE_COLS, wide, sum.y + (row + r) * sum.yCols + col);
+    double tile[Tile::rows * Tile::cols];
+    storeTile(sums, tile, Tile::cols);
+    const std::int64_t wide = std::min<std::int64_t>(Tile::cols, sum.yCols - col);
+    for (std::int64_t r = 0; r < std::min<std::int64_t>(Tile::rows, sum.yRows - row); ++r)
+        std::copy_n(tile + r * Tile::cols, wide, sum.y + (row + r) * sum.yCols + col);
 }
 
-template <int someRows>
+template <typename Tile>
 RVX_INLINE void innerTile(const Sum &sum, std::int64_t row, std::int64_t col)
 {
-    const std::int64_t rows = someRows != 0 ? someRows : sum.b.rows;
-    const TileSums sums = tileSums(sum.a.data + row * sum.a.cols + col, sum.a.cols,
-                                   *sum.coefficients, rows, sum.b.cols);
+    const auto sums =
+        tileSums<Tile>(sum.a.data + row * sum.a.cols + col, sum.a.cols, *sum.coefficients);
     if (sum.coefficients->plain || allFinite(sums))
         storeTile(sums, sum.y + row * sum.yCols + col, sum.yCols);
     else // a coefficient of zero may have met an infinity or a NaN
-        tileByOutputs(sum, row, col);
+        tileByOutputs(sum, row, col, Tile::rows, Tile::cols);
 }
 
-// All tiles; someRows is the number of rows of B, or 0 for any.
-template <int someRows>
+template <typename Tile>
 RVX_INLINE void sumTiles(const Sum &sum)
 {
-    for (std::int64_t row = 0; row < sum.yRows; row += RVX_TILE_ROWS) {
-        const bool innerRows = row >= sum.b.rows - 1 && row + RVX_TILE_ROWS <= sum.a.rows;
-        for (std::int64_t col = 0; col < sum.yCols; col += RVX_TILE_COLS)
-            if (innerRows && col >= sum.b.cols - 1 && col + RVX_TILE_COLS <= sum.a.cols)
-                innerTile<someRows>(sum, row, col);
+    for (std::int64_t row = 0; row < sum.yRows; row += Tile::rows) {
+        const bool innerRows = row >= sum.b.rows - 1 && row + Tile::rows <= sum.a.rows;
+        for (std::int64_t col = 0; col < sum.yCols; col += Tile::cols)
+            if (innerRows && col >= sum.b.cols - 1 && col + Tile::cols <= sum.a.cols)
+                innerTile<Tile>(sum, row, col);
             else
-                edgeTile<someRows>(sum, row, col);
+                edgeTile<Tile>(sum, row, col);
     }
 }
 
-RVX_KERNEL void conv2dTiles(const Sum &sum)
+RVX_KERNEL void conv2dLowTiles(const Sum &sum)
 {
-    switch (sum.b.rows) {
-    case 1:
-        return sumTiles<1>(sum);
-    case 2:
-        return sumTiles<2>(sum);
-    case 3:
-        return sumTiles<3>(sum);
-    default:
-        return sumTiles<0>(sum);
-    }
+    sumTiles<LowTile>(sum);
+}
+
+RVX_KERNEL void conv2dHighTiles(const Sum &sum)
+{
+    sumTiles<HighTile>(sum);
 }
 
 // ---------------------------------------------------------------------------
@@ -271,5 +310,8 @@ void rvxdConv2DDirect(Matrix x, Matrix h, double *y)
     }
     const Coefficients coefficients = columnsOf(b);
     sum.coefficients = &coefficients;
-    conv2dTiles(sum);
+    if (b.rows == 3)
+        conv2dHighTiles(sum);
+    else
+        conv2dLowTiles(sum);
 }
