@@ -5,7 +5,6 @@
 #include <cstring>
 #include <limits>
 #include <random>
-#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -19,6 +18,7 @@
 #include "support/guarded.h"
 #include "support/held_tables.h"
 #include "support/reports.h"
+#include "support/walled.h"
 #include "transform/rvxtwd.h"
 
 namespace {
@@ -41,6 +41,17 @@ std::ostream &operator<<(std::ostream &out, const Sizes &s)
 
 enum class Way { exported, direct, blocks };
 
+void run(const Filter2d &task, Way way)
+{
+    if (way == Way::exported)
+        rvxdFilter2D(task.x, static_cast<int>(task.xCols), static_cast<int>(task.xRows), task.h,
+                     static_cast<int>(task.hCols), static_cast<int>(task.hRows), task.y);
+    else if (way == Way::direct)
+        ownFilter2dDirect(task);
+    else
+        EXPECT_TRUE(ownFilter2dBlocks(task));
+}
+
 // The filtered image; what stands beside the arrays, and the sources, stay as they
 // were.
 std::vector<double> filtered(const Array2d &x, const Array2d &h, Way way = Way::exported)
@@ -48,13 +59,7 @@ std::vector<double> filtered(const Array2d &x, const Array2d &h, Way way = Way::
     Guarded<double> xs(x.values, x.cols % 4);
     Guarded<double> hs(h.values, h.cols % 4);
     Guarded<double> y(x.rows * x.cols, (x.cols + h.cols) % 4);
-    const Filter2d task = {xs.data(), x.cols, x.rows, hs.data(), h.cols, h.rows, y.data()};
-    if (way == Way::exported)
-        rvxdFilter2D(xs.data(), x.cols, x.rows, hs.data(), h.cols, h.rows, y.data());
-    else if (way == Way::direct)
-        ownFilter2dDirect(task);
-    else
-        EXPECT_TRUE(ownFilter2dBlocks(task));
+    run({xs.data(), x.cols, x.rows, hs.data(), h.cols, h.rows, y.data()}, way);
     EXPECT_TRUE(xs.intact() && hs.intact() && y.intact());
     EXPECT_EQ(std::memcmp(xs.data(), x.values.data(), x.values.size() * sizeof(double)), 0);
     EXPECT_EQ(std::memcmp(hs.data(), h.values.data(), h.values.size() * sizeof(double)), 0);
@@ -262,6 +267,25 @@ TEST(Filter2dBlocks, SmallIntegersComeOutNextToIntegers)
     const std::vector<double> exact = filteredInOrder(x, h);
     for (std::size_t i = 0; i < y.size(); ++i)
         EXPECT_NEAR(y[i], exact[i], 1e-12);
+}
+
+// Registers that reach beyond a row borrow from its neighbours, never from outside.
+TEST(Filter2dMemory, NothingOutsideTheArraysIsTouched)
+{
+    for (Wall wall : {Wall::before, Wall::behind})
+        for (Way way : {Way::direct, Way::blocks})
+            for (int cols : {1, 2, 3, 4, 5, 7, 8, 9, 13, 20, 33, 50})
+                for (int rows : {1, 2, 5})
+                    for (int hCols : {1, 2, 3, 6, 13, 40})
+                        for (int hRows : {1, 2, 4}) {
+                            const Array2d x = image(rows, cols, 51);
+                            const Array2d h = image(hRows, hCols, 52);
+                            Walled<double> xs(x.values, wall);
+                            Walled<double> hs(h.values, wall);
+                            Walled<double> y(x.values, wall);
+                            run({xs.data(), cols, rows, hs.data(), hCols, hRows, y.data()}, way);
+                            EXPECT_TRUE(sameResults(y.values(), filtered(x, h, way)));
+                        }
 }
 
 // ---------------------------------------------------------------------------
