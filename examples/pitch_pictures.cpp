@@ -68,6 +68,7 @@ std::string framePanels(const demo::Recording &voice, const Estimate &e, const F
                  {{e.period * msPerSample}, {e.strength}});
 
     return demo::format("set label 1 '%s, at %.2f s'\n", name.c_str(), e.time) + R"(
+if (labelled) set xlabel 'Time in ms'
 set lmargin at screen 0.075
 set rmargin at screen 0.475
 set ylabel 'Amplitude'
@@ -78,6 +79,7 @@ plot 'frame-)" +
            name + R"(.txt' with lines linewidth 1.5 linecolor rgb '#2f6db5' title ''
 unset label 1
 set offsets
+if (labelled) set xlabel 'Lag in ms'
 set lmargin at screen 0.575
 set rmargin at screen 0.985
 set ylabel 'Likeness'
@@ -172,7 +174,7 @@ void drawFrames(const demo::Recording &voice, const std::vector<Estimate> &estim
         return demo::format("set bmargin at screen %g\nset tmargin at screen %g\n", bottom, top);
     };
     section.picture("frames", 1600, 800,
-                    demo::format("limit = %g\n", voicedFrom) + R"(
+                    demo::format("limit = %g\nlabelled = 0\n", voicedFrom) + R"(
 set label 1 '' at graph 0.02, graph 0.93 textcolor rgb '#30343a'
 set key top right horizontal Right samplen 1.5
 set autoscale xfix
@@ -180,7 +182,7 @@ set multiplot
 )" + row(0.58, 0.98) + framePanels(voice, *voiced, f, "voiced", section) +
                         row(0.1, 0.5) + R"(
 set label 1 '' at graph 0.02, graph 0.93 textcolor rgb '#30343a'
-set xlabel 'Time in frame, lag in ms'
+labelled = 1
 )" + framePanels(voice, *unvoiced, f, "unvoiced", section) +
                         "unset multiplot\n",
                     "The loudest frame with a voice, and a noise: left the samples, right how much "
