@@ -321,6 +321,20 @@ TEST(Conv2DDirect, ZeroAndNanCoefficientsArePassedOver)
     }
 }
 
+TEST(Conv2DDirect, CoefficientsOfZeroMeetNoInfinityInsideLargeMatrices)
+{
+    Grid x = noise(90, 40, 1);
+    for (std::size_t i = 0; i < x.values.size(); i += 331)
+        x.values[i] = i % 2 == 0 ? INF : QUIET;
+    for (int rows = 1; rows <= 7; ++rows)
+        for (int cols = 1; cols <= 7; ++cols) {
+            Grid h = noise(cols, rows, 2);
+            for (std::size_t i = 0; i < h.values.size(); i += 2)
+                h.values[i] = i % 4 == 0 ? 0.0 : QUIET;
+            expectBits(x, h, rows % 4);
+        }
+}
+
 TEST(Conv2DDirect, AmongEquallyWideOperandsHGivesTheCoefficients)
 {
     Grid x = noise(5, 4, 1), h = noise(5, 6, 2);

@@ -379,10 +379,7 @@ RVX_KERNEL void hartleyColumns(const HartleyTables &tables, double *array, std::
         loadColumns(tables, array + c, cols, count, usedRows);
         transformBuffer(tables);
         for (std::int64_t r = 0; r < n; ++r)
-            if (count == RVX_HARTLEY_LINES)
-                copyAcross(array + r * cols + c, tables.lines + r * RVX_HARTLEY_LINES, count);
-            else
-                copyAcross(array + r * cols + c, tables.lines + r * RVX_HARTLEY_LINES, count);
+            copyAcross(array + r * cols + c, tables.lines + r * RVX_HARTLEY_LINES, count);
     }
 }
 
