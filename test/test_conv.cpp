@@ -193,8 +193,10 @@ TYPED_TEST(Conv, BlocksGiveTheSumsWhateverTheLastOneHolds)
             const int n = 1 << rvxConvBlockOrder(100000, shortLen, mode);
             const int step = n - shortLen + 1;
             for (int blocks : {1, 2, 3, 5})
-                for (int rest : {-2, -1, 0, 1, 2, shortLen - 2, shortLen - 1, shortLen,
-                                 shortLen + 1, step / 2, step - shortLen}) {
+                // About the ends of x and of the result.
+                for (int rest : {-shortLen, 1 - shortLen, 2 - shortLen, 3 - shortLen, -2, -1, 0, 1,
+                                 2, shortLen - 2, shortLen - 1, shortLen, shortLen + 1, step / 2,
+                                 step - shortLen}) {
                     const int longLen = blocks * step + rest;
                     if (longLen >= shortLen)
                         expectConvolved<TypeParam>(longLen, shortLen, mode);
