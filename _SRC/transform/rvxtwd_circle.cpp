@@ -146,15 +146,22 @@ RVX_INLINE bool certain(Lanes value, Lanes rest)
     return !anyLane({~isEqual(edge, value).b});
 }
 
-// up[j] = the sines of an arc of four values and more, down[-j] = the cosines. Gives
-// the groups of four that are in doubt, a bit for each, cosines from bit 4 on.
+// up[j] = the sines of an arc, down[-j] = the cosines. Gives the groups of four that
+// are in doubt, a bit for each, cosines from bit 4 on. Arcs of two fill half a group.
 RVX_KERNEL unsigned putArc(const Arc &arc, int values, double *up, double *down)
 {
     unsigned doubts = 0;
     for (int j = 0; j < values; j += 4) {
         const Lanes sine = loadLanes(&arc.sine[j]), cosine = loadLanes(&arc.cosine[j]);
-        storeLanes(up + j, sine);
-        storeLanes(down - j - 3, reversed(cosine));
+        if (values < 4) {
+            for (int i = 0; i < values; ++i) {
+                up[i] = arc.sine[i];
+                down[-i] = arc.cosine[i];
+            }
+        } else {
+            storeLanes(up + j, sine);
+            storeLanes(down - j - 3, reversed(cosine));
+        }
         if (!certain(sine, loadLanes(&arc.sineRest[j])))
             doubts |= 1u << (j / 4);
         if (!certain(cosine, loadLanes(&arc.cosineRest[j])))
@@ -230,6 +237,11 @@ RVX_KERNEL void putRoots(const Arc &arc, std::int64_t begin, int values, ZCplx *
                 storeRoots(down, before);
                 continue;
             }
+            if (from == 0 && to == 2) {
+                storeLanes(up, interleaveLow(after.re, after.im));
+                storeLanes(down + 2, interleaveHigh(before.re, before.im));
+                continue;
+            }
             ZCplx ups[4], downs[4];
             storeRoots(ups, after);
             storeRoots(downs, before);
@@ -254,10 +266,8 @@ void rvxFillSineQuarter(double *sine, int order)
     if (order < 3)
         return;
     sine[n / 8] = -RVX_EIGHTH_TURNS[1].im;
-    // Short arcs are those of short circles.
     forArcs(order, [=](std::int64_t begin, const Arc &arc, int values) {
-        const unsigned doubts =
-            values < 4 ? 0xFF : putArc(arc, values, sine + begin, sine + quarter - begin);
+        const unsigned doubts = putArc(arc, values, sine + begin, sine + quarter - begin);
         for (int j = 0; doubts != 0 && j < values; ++j) {
             const std::int64_t i = begin + j;
             const Extended angle = static_cast<Extended>(i) * step;
