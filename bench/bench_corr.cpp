@@ -272,4 +272,24 @@ void registerComparisons()
         compareFew(FEW_REAL_FIRST, len, rvxdzCrossCorr);
         compareFew(FEW_COMPLEX_FIRST, len, rvxzdCrossCorr);
     }
+    limit(CROSS, 1.0,
+          "The block length, which the lags fix: the peer's best blocks are up to eight times as "
+          "long where there are few lags. At our length FFTW takes 0.9 to 1.7 times our time from "
+          "100000 samples on. Calls of 1000 to 10000 samples build tables, which go at their end: "
+          "12 of the 20 us at 1000 lags.");
+    limit(CROSS_COMPLEX, 1.0,
+          "The block length, as for real sequences: at our length FFTW takes 0.8 to 0.95 of our "
+          "time at up to 200 lags, and up to twice our time at more.");
+    limit(AUTO, 0.6,
+          "One transform for each block, where the peer makes two; the block length and the "
+          "tables as for two sequences.");
+    limit(AUTO_COMPLEX, 0.6, "As for real samples, but for the tables, which stay.");
+    limit(FEW, 0.8,
+          "Each sum is one chain of additions: three cycles for each sample. The peer adds in two "
+          "chains for each lag.");
+    limit(FEW_COMPLEX, 0.8,
+          "Two products, each rounded, and two additions for what the peer does with two fused "
+          "operations, and an exchange of parts.");
+    limit(FEW_REAL_FIRST, 0.8, "Loads of the second sequence, many of which cross cache lines.");
+    limit(FEW_COMPLEX_FIRST, 0.8, "Products and additions in equal numbers.");
 }
