@@ -279,7 +279,7 @@ void registerComparisons()
           "12 of the 20 us at 1000 lags.");
     limit(CROSS_COMPLEX, 1.0,
           "The block length, as for real sequences: at our length FFTW takes 0.8 to 0.95 of our "
-          "time at up to 200 lags, and up to twice our time at more.");
+          "time at up to 200 lags, and 1.1 to 2.4 times at more.");
     limit(AUTO, 0.6,
           "One transform for each block, where the peer makes two; the block length and the "
           "tables as for two sequences.");

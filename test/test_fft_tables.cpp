@@ -18,6 +18,7 @@
 #include "transform/rvxmisc.h"
 #include "transform/rvxtwd.h"
 #include "transform/rvxtwd_circle.h"
+#include "transform/rvxtwd_circle_turns.h"
 
 namespace {
 
@@ -289,6 +290,22 @@ TEST(TwiddleTables, QuarterWaveIsTheExtendedValueRoundedOnce)
             ASSERT_EQ(bitsOf(sine[i]), bitsOf(sineQuarter(order, i))) << order << " " << i;
         EXPECT_TRUE(sine.intact());
     }
+}
+
+TEST(TwiddleTables, ConstantsOfTheDigitsAreTheExtendedValues)
+{
+    for (int q = 0; q < MAX_DIGITS; ++q)
+        for (int d = 0; d < DIGIT_VALUES; ++d) {
+            const Digit &digit = RVX_DIGIT_TURNS[q];
+            const long double step =
+                std::ldexp(static_cast<long double>(6.283185307179586), -7 - 4 * q);
+            EXPECT_EQ(static_cast<long double>(digit.cosineHead[d]) + digit.cosineTail[d],
+                      std::cos(d * step));
+            EXPECT_EQ(static_cast<long double>(digit.sineHead[d]) + digit.sineTail[d],
+                      std::sin(d * step));
+            for (double head : {digit.cosineHead[d], digit.sineHead[d]})
+                EXPECT_EQ(bitsOf(head) & 0x7FFFFFF, 0u) << "heads have exact products";
+        }
 }
 
 // The double 2 pi is taken for the circle, so no entry but the first has a part
