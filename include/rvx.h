@@ -525,7 +525,7 @@ typedef struct rvxIirTapState {
     int order;   /* delay elements: N, or twice the number of sections */
     void *taps;  /* double or ZCplx; b[0..N], a[1..N], or g and a1, a2, b1, b2 each */
     int iirType; /* as given; nothing depends on it */
-    int mode;    /* 0 direct form (so do 1 and 3), 2 cascade */
+    int mode;    /* 2 cascade; 0, 1 and 3 direct form */
 } rvxIirTapState;
 
 /* The past. */
@@ -931,8 +931,9 @@ RVX_API void rvxdConv2D(const double *x, int xCols, int xRows, const double *h, 
  * transforms of blocks of twice to four times the kernel's sides. The error of a value
  * is then about 1.2e-16 times the root of the sum of squares of the kernel times that
  * of the block about it, measured; and an infinity or NaN spreads over whole blocks.
- * This way takes two blocks and the tables of their transforms; without memory for
- * these the values are summed all the same, and nothing is reported.
+ * This way takes two blocks and tables, which stay with the thread until a real or
+ * mixed correlation goes by transforms; without memory for these the values are summed
+ * all the same, and nothing is reported.
  * Checks: x null; h null (with the message of a source too); y null; xCols below 1;
  * xRows below 1; hCols below 1; hRows below 1.
  *
