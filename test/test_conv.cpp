@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <type_traits>
 
 #include "convolution/rvxconvd.h"
 #include "reference/conv.h"
@@ -246,6 +247,26 @@ TYPED_TEST(Conv, OperandsAreNotWritten)
     EXPECT_TRUE(sameBits(h, hUsed));
 }
 
+TYPED_TEST(Conv, OperandsMayBeOneArrayOrShareSomeOfIt)
+{
+    if constexpr (std::is_same_v<typename TypeParam::X, typename TypeParam::H>) {
+        // Two sizes for each core, one of them the whole array twice.
+        const int sizes[][3] = {{30, 30, 0},   {40, 6, 11},    {109, 109, 0},
+                                {120, 110, 5}, {5000, 150, 7}, {5000, 150, 4850}};
+        for (const auto &[longLen, shortLen, from] : sizes) {
+            const auto x = noiseOf<typename TypeParam::X>(longLen, 35);
+            const std::vector<typename TypeParam::H> h(x.begin() + from,
+                                                       x.begin() + from + shortLen);
+            auto y = convOf<TypeParam>(x, h);
+            const auto expected = y;
+            EXPECT_EQ(TypeParam::conv(x.data(), longLen, x.data() + from, shortLen, y.data()), 0);
+            EXPECT_TRUE(sameBits(y, expected)) << longLen << " by " << shortLen;
+            EXPECT_EQ(TypeParam::conv(x.data() + from, shortLen, x.data(), longLen, y.data()), 0);
+            EXPECT_TRUE(sameBits(y, convOf<TypeParam>(h, x))) << shortLen << " by " << longLen;
+        }
+    }
+}
+
 // ---- statuses -------------------------------------------------------------
 
 namespace {
@@ -436,4 +457,35 @@ TYPED_TEST(Conv, EveryFailedAllocationEndsCleanly)
                 EXPECT_EQ(watch.live(), 0) << k;
             }
         }
+}
+
+// Lengths whose sum does not fit a count, and transforms that no memory holds: nothing is
+// read or written but the status.
+TYPED_TEST(Conv, GiantsEndInReports)
+{
+    typename TypeParam::X x[1];
+    typename TypeParam::H h[1];
+    setParts(x[0], 1.0, 2.0);
+    setParts(h[0], 3.0, 4.0);
+    std::vector<typename TypeParam::Y> y(1);
+    setParts(y[0], 5.0, 6.0);
+    const auto before = y;
+    const int giants[][2] = {{INT_MAX, INT_MAX}, {INT_MAX, 1 << 30}, {1 << 30, INT_MAX},
+                             {1 << 30, 1 << 30}, {1 << 29, INT_MAX}, {INT_MAX, 1 << 27}};
+    for (const auto &size : giants) {
+        Reports reports;
+        rvxFreeFftTables();
+        int status;
+        {
+            AllocationWatch watch;
+            watch.failAllFrom(1); // a machine may have this much
+            status = TypeParam::conv(x, size[0], h, size[1], y.data());
+            EXPECT_EQ(watch.live(), 0);
+        }
+        EXPECT_EQ(status, RVX_STATUS_BACKTRACE);
+        EXPECT_LT(rvxGetErrStatus(), RVX_STATUS_BACKTRACE);
+        const std::string name = size[0] < size[1] ? exchangedName<TypeParam>() : TypeParam::name();
+        EXPECT_EQ(reports.take().back(), backtrace(name));
+        EXPECT_TRUE(sameBits(y, before));
+    }
 }

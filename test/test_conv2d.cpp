@@ -287,9 +287,13 @@ TEST(Conv2DBits, SignsOfZeroAndSpecialValuesGoThroughTransformsAlike)
 {
     std::mt19937 bits(6);
     const double specials[] = {0.0, -0.0, 5e-324, -1e-310, 1e308, -1e300, 1.0};
-    for (int n = 0; n < 60; ++n) {
-        Grid x = noise(40, 20 + n, static_cast<unsigned>(n));
+    for (int n = 0; n < 120; ++n) {
+        Grid x = noise(40, 20 + n % 60, static_cast<unsigned>(n));
         Grid h = noise(20, 15, 77);
+        if (n >= 60) { // all in one transform
+            x = noise(40, 20 + n % 30, static_cast<unsigned>(n));
+            h = noise(30, 25, 77);
+        }
         for (Grid *m : {&x, &h})
             for (double &value : m->values)
                 if (bits() % 3 != 0)
@@ -428,6 +432,32 @@ TEST(Conv2DOneDimensional, IsTheOneDimensionalConvolution)
             const Grid xColumn = {x.values, 1, x.cols}, hColumn = {h.values, 1, h.cols};
             EXPECT_TRUE(sameBits(convolved(xColumn, hColumn, hLen % 4), wanted));
         }
+}
+
+// ---------------------------------------------------------------------------
+// One array as both operands
+
+TEST(Conv2DOperands, MayBeOneArrayOrPartOfEachOther)
+{
+    // Each route; h begins where x does.
+    for (const auto &s : {std::array<int, 4>{9, 12, 9, 12},
+                          {40, 30, 5, 6},
+                          {300, 1, 300, 1},
+                          {1, 300, 1, 40},
+                          {20, 20, 20, 20},
+                          {7, 40, 7, 40},
+                          {40, 30, 15, 10},
+                          {15, 10, 40, 30}}) {
+        const Grid all = noise(s[0] * s[1] + s[2] * s[3], 1, 9);
+        const auto firstOf = [&all](int cols, int rows) {
+            return Grid{
+                {all.values.begin(), all.values.begin() + cols * rows}, asSize(cols), asSize(rows)};
+        };
+        const Grid x = firstOf(s[0], s[1]), h = firstOf(s[2], s[3]);
+        std::vector<double> y(outputsOf(x, h), RVX_UNWRITTEN);
+        rvxdConv2D(all.values.data(), s[0], s[1], all.values.data(), s[2], s[3], y.data());
+        EXPECT_TRUE(sameBits(y, convolved(x, h, 0))) << s[0] << " x " << s[1];
+    }
 }
 
 // ---------------------------------------------------------------------------

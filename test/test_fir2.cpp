@@ -269,6 +269,41 @@ TEST(Filter2dBlocks, SmallIntegersComeOutNextToIntegers)
         EXPECT_NEAR(y[i], exact[i], 1e-12);
 }
 
+// The outputs of a tile are those of one block, and a NaN in it reaches them all; so NaNs
+// show where tiles begin and which part of the image each is made from.
+TEST(Filter2dBlocks, ANanReachesTheTilesWhoseBlocksHoldItAndNoOthers)
+{
+    struct Case {
+        Sizes sizes;
+        int blockCols, blockRows;
+    };
+    const Case cases[] = {{{23, 9, 1, 1}, 2, 2},   {{30, 21, 2, 2}, 4, 4},
+                          {{29, 25, 3, 4}, 8, 8},  {{40, 22, 5, 3}, 16, 8},
+                          {{33, 50, 4, 9}, 8, 32}, {{9, 60, 11, 16}, 32, 32},
+                          {{50, 3, 17, 2}, 64, 4}};
+    for (const Case &c : cases) {
+        const Sizes &s = c.sizes;
+        // Whether the tile with output `out` has input `in` in its block.
+        const auto holds = [](int in, int out, int kernelLen, int blockLen) {
+            const int step = blockLen - kernelLen + 1;
+            const int start = out / step * step - (kernelLen - 1) + kernelLen / 2;
+            return in >= start && in < start + blockLen;
+        };
+        const Array2d h = image(s.hRows, s.hCols, 14);
+        for (int place = 0; place < s.xCols * s.xRows; place += 13) {
+            Array2d x = image(s.xRows, s.xCols, 13);
+            x.values[static_cast<std::size_t>(place)] = std::numeric_limits<double>::quiet_NaN();
+            const std::vector<double> y = filtered(x, h, Way::blocks);
+            for (int r = 0; r < s.xRows; ++r)
+                for (int col = 0; col < s.xCols; ++col)
+                    EXPECT_EQ(std::isnan(y[static_cast<std::size_t>(r * s.xCols + col)]),
+                              holds(place / s.xCols, r, s.hRows, c.blockRows) &&
+                                  holds(place % s.xCols, col, s.hCols, c.blockCols))
+                        << s << ", from " << place << " to " << r << ", " << col;
+        }
+    }
+}
+
 // Registers that reach beyond a row borrow from its neighbours, never from outside.
 TEST(Filter2dMemory, NothingOutsideTheArraysIsTouched)
 {
@@ -286,6 +321,22 @@ TEST(Filter2dMemory, NothingOutsideTheArraysIsTouched)
                             run({xs.data(), cols, rows, hs.data(), hCols, hRows, y.data()}, way);
                             EXPECT_TRUE(sameResults(y.values(), filtered(x, h, way)));
                         }
+}
+
+TEST(Filter2dMemory, TheKernelMayBePartOfTheImage)
+{
+    for (Way way : {Way::direct, Way::blocks})
+        for (Sizes s : {Sizes{20, 15, 20, 15}, {40, 30, 7, 6}, {9, 4, 3, 12}, {31, 1, 31, 1}}) {
+            const Array2d x = image(s.xRows, s.xCols, 53);
+            const Array2d h = {
+                s.hRows, s.hCols, {x.values.begin(), x.values.begin() + s.hRows * s.hCols}};
+            const std::vector<double> xBefore = x.values;
+            std::vector<double> y(x.values.size());
+            run({x.values.data(), s.xCols, s.xRows, x.values.data(), s.hCols, s.hRows, y.data()},
+                way);
+            EXPECT_TRUE(sameResults(y, filtered(x, h, way))) << s;
+            EXPECT_TRUE(sameResults(x.values, xBefore));
+        }
 }
 
 // ---------------------------------------------------------------------------
