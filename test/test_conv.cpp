@@ -154,6 +154,19 @@ TYPED_TEST(Conv, CoresMakeTheChecksUnderTheirOwnNames)
     static_cast<void>(y);
 }
 
+// Which is without the checks, deliberately: no x is a result of hLen - 1 values.
+TEST(ConvCores, TheDirectOneOfComplexOperandsReportsNothing)
+{
+    Reports reports;
+    const ZCplx value = {1.0, 2.0};
+    ZCplx y = {5.0, 6.0};
+    rvxzConv0(&value, 0, &value, 1, &y);
+    rvxzConv0(nullptr, 0, &value, 1, nullptr);
+    EXPECT_TRUE(reports.take().empty());
+    EXPECT_EQ(y.re, 5.0);
+    EXPECT_EQ(y.im, 6.0);
+}
+
 TYPED_TEST(Conv, EndsTheProcessInModeZero)
 {
     typename TypeParam::X x[1] = {};
