@@ -35,7 +35,8 @@ void fillReversal(std::uint32_t *reversal, std::int64_t n)
 void fillSine(double *t, std::int64_t n)
 {
     const Extended pi = 3.14159265358979323846264338327950288L;
-    const Extended angle = pi / static_cast<Extended>(n / 2);
+    const std::int64_t half = n / 2;
+    const Extended angle = pi / static_cast<Extended>(half);
     const auto s = static_cast<double>(std::sin(angle));
     const auto c = static_cast<double>(std::cos(angle));
     const std::int64_t quarter = n / 4;

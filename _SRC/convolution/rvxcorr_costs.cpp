@@ -20,13 +20,15 @@ double transformCost(std::int64_t n)
     std::int64_t log = 0;
     while (n >> (log + 1) != 0)
         ++log;
-    return static_cast<double>(log * n / 2) * 24.0;
+    const std::int64_t butterflies = log * n / 2;
+    return static_cast<double>(butterflies) * 24.0;
 }
 
 // The split of n complex values into the spectrum of 2n real ones, or back.
 double splitCost(std::int64_t n, double pairCost)
 {
-    return n == 1 ? 8.0 : static_cast<double>(n / 2 - 1) * pairCost + 8.0;
+    const std::int64_t pairs = n / 2 - 1;
+    return n == 1 ? 8.0 : static_cast<double>(pairs) * pairCost + 8.0;
 }
 
 // Half a block, which the lags fit in, the block, and how many blocks there are.
@@ -39,7 +41,8 @@ struct Blocks {
 Blocks blocksOf(std::int64_t len, std::int64_t lags)
 {
     const std::int64_t half = powerNotBelow(lags);
-    return {half, 2 * half, static_cast<double>((len + half - 1) / half)};
+    const std::int64_t count = (len + half - 1) / half;
+    return {half, 2 * half, static_cast<double>(count)};
 }
 
 double pairsOf(std::int64_t len, std::int64_t lags)

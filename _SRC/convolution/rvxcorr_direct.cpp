@@ -105,7 +105,7 @@ struct ComplexByComplex {
     using Factor = ZCplx;
     using Value = ZCplx;
     using Sum = ZCplx;
-    enum { LAGS = 2, REGISTERS = 4 }; // additions set the pace, not latencies
+    enum { LAGS = 2, REGISTERS = 8 };
     struct Sums {
         Lanes all;
     };
@@ -148,18 +148,12 @@ struct Walk {
     }
 };
 
-// sums[j] for the lags lag + j of R registers. What all of them have is summed
-// first, then what the lags of one register have, then each lag's own rest.
+// sums[j] for the lags lag + j of R registers, which have the first `common` products
+// of each: what the lags of one register share comes next, then each lag's own rest.
 template <typename Way, int R>
-RVX_INLINE void sumTile(const Walk<Way> &walk, std::int64_t lag, typename Way::Sum *sums)
+RVX_INLINE void sumRest(const Walk<Way> &walk, std::int64_t lag, std::int64_t common,
+                        typename Way::Sums *s, typename Way::Sum *sums)
 {
-    typename Way::Sums s[R] = {};
-    const std::int64_t common = walk.terms(lag + R * Way::LAGS - 1);
-    for (std::int64_t i = 0; i < common; ++i) {
-        const typename Way::Spread f = Way::spread(walk.factors[i]);
-        for (int r = 0; r < R; ++r)
-            Way::add(s[r], f, walk.values + (i + lag + r * Way::LAGS));
-    }
     for (int r = 0; r < R; ++r) {
         const std::int64_t first = lag + r * Way::LAGS;
         const std::int64_t shared = walk.terms(first + Way::LAGS - 1);
@@ -170,6 +164,73 @@ RVX_INLINE void sumTile(const Walk<Way> &walk, std::int64_t lag, typename Way::S
             for (std::int64_t i = shared; i < walk.terms(first + j); ++i)
                 Way::addOne(sums[r * Way::LAGS + j], walk.factors[i], walk.values[i + first + j]);
     }
+}
+
+// The same from nothing: what all the lags have is summed first.
+template <typename Way, int R>
+RVX_INLINE void sumTile(const Walk<Way> &walk, std::int64_t lag, typename Way::Sum *sums)
+{
+    typename Way::Sums s[R] = {};
+    const std::int64_t common = walk.terms(lag + R * Way::LAGS - 1);
+    for (std::int64_t i = 0; i < common; ++i) {
+        const typename Way::Spread f = Way::spread(walk.factors[i]);
+        for (int r = 0; r < R; ++r)
+            Way::add(s[r], f, walk.values + (i + lag + r * Way::LAGS));
+    }
+    sumRest<Way, R>(walk, lag, common, s, sums);
+}
+
+// A stretch of complex values, its real and its imaginary parts apart.
+enum { STRETCH = 128, PARTS_LAGS = 16 };
+
+struct Parts {
+    double re[STRETCH + PARTS_LAGS];
+    double im[STRETCH + PARTS_LAGS];
+};
+
+RVX_INLINE void takeApart(const ZCplx *z, std::int64_t n, Parts &parts)
+{
+    std::int64_t i = 0;
+    for (; i + 4 <= n; i += 4) {
+        const Lanes a = loadLanesOnce(z + i), b = loadLanesOnce(z + i + 2);
+        storeLanes(parts.re + i, evenElements(a, b));
+        storeLanes(parts.im + i, oddElements(a, b));
+    }
+    for (; i < n; ++i) {
+        parts.re[i] = z[i].re;
+        parts.im[i] = z[i].im;
+    }
+}
+
+// sums[j] for 16 lags of a complex product, four to a register of real parts and one
+// of imaginary parts: nothing has to change lanes in the loop.
+template <bool CONJUGATED>
+RVX_INLINE void sumByParts(const Walk<ComplexByComplex<CONJUGATED>> &walk, std::int64_t lag,
+                           ZCplx *sums)
+{
+    Lanes re[4] = {}, im[4] = {};
+    const std::int64_t common = walk.terms(lag + PARTS_LAGS - 1);
+    for (std::int64_t begin = 0; begin < common; begin += STRETCH) {
+        const std::int64_t n = common - begin < STRETCH ? common - begin : std::int64_t{STRETCH};
+        Parts parts;
+        takeApart(walk.values + (begin + lag), n + PARTS_LAGS - 1, parts);
+        for (std::int64_t i = 0; i < n; ++i) {
+            const ZCplx f = walk.factors[begin + i];
+            const Lanes fRe = allLanes(f.re), fIm = allLanes(f.im);
+            for (int r = 0; r < 4; ++r) {
+                const Lanes vRe = loadLanesOnce(parts.re + i + 4 * r);
+                const Lanes vIm = loadLanesOnce(parts.im + i + 4 * r);
+                re[r] = re[r] + (fRe * vRe + fIm * vIm);
+                im[r] = im[r] + (CONJUGATED ? fIm * vRe - fRe * vIm : fRe * vIm - fIm * vRe);
+            }
+        }
+    }
+    typename ComplexByComplex<CONJUGATED>::Sums s[8];
+    for (int r = 0; r < 4; ++r) {
+        s[2 * r].all = interleaveLow(re[r], im[r]);
+        s[2 * r + 1].all = interleaveHigh(re[r], im[r]);
+    }
+    sumRest<ComplexByComplex<CONJUGATED>, 8>(walk, lag, common, s, sums);
 }
 
 // At least the first `lags` of the tile's sums, with the registers that these need.
@@ -185,6 +246,21 @@ RVX_INLINE void sumWay(const Walk<Way> &walk, std::int64_t lag, std::int64_t lag
         sumTile<Way, 4>(walk, lag, sums);
     else
         sumTile<Way, 8>(walk, lag, sums);
+}
+
+template <bool CONJUGATED>
+RVX_INLINE void sumWay(const Walk<ComplexByComplex<CONJUGATED>> &walk, std::int64_t lag,
+                       std::int64_t lags, ZCplx *sums)
+{
+    using Way = ComplexByComplex<CONJUGATED>;
+    if (lags <= Way::LAGS)
+        sumTile<Way, 1>(walk, lag, sums);
+    else if (lags <= 2 * Way::LAGS)
+        sumTile<Way, 2>(walk, lag, sums);
+    else if (lags <= 4 * Way::LAGS)
+        sumTile<Way, 4>(walk, lag, sums);
+    else
+        sumByParts(walk, lag, sums);
 }
 
 RVX_KERNEL void sumLags(const Walk<RealByReal> &walk, std::int64_t lag, std::int64_t lags,

@@ -10,8 +10,10 @@ namespace {
 double log2Of(double n)
 {
     double log = 0.0;
-    for (; n >= 2.0; n /= 2.0)
+    while (n >= 2.0) {
+        n /= 2.0;
         log += 1.0;
+    }
     return log;
 }
 
@@ -75,8 +77,9 @@ Filter2dCosts ownFilter2dCosts(std::int64_t xCols, std::int64_t xRows, std::int6
     const std::int64_t blockCols = ownFilter2dBlockLen(hCols);
     const std::int64_t stepRows = blockRows - hRows + 1;
     const std::int64_t stepCols = blockCols - hCols + 1;
-    const auto across = static_cast<double>((xCols + blockCols - hCols) / stepCols);
-    const auto down = static_cast<double>((xRows + blockRows - hRows) / stepRows);
+    const std::int64_t across = (xCols + blockCols - hCols) / stepCols;
+    const std::int64_t down = (xRows + blockRows - hRows) / stepRows;
+    const double blocks = static_cast<double>(across) * static_cast<double>(down);
     const auto rows = static_cast<double>(blockRows);
     const auto cols = static_cast<double>(blockCols);
     const double copies =
@@ -84,5 +87,5 @@ Filter2dCosts ownFilter2dCosts(std::int64_t xCols, std::int64_t xRows, std::int6
     const double transform = transformCost(rows, cols);
     return {static_cast<double>(xCols) * static_cast<double>(xRows) * 4.0 *
                 (static_cast<double>(hCols) * static_cast<double>(hRows)),
-            across * down * (copies + transform + productCost(rows, cols) + transform) + transform};
+            blocks * (copies + transform + productCost(rows, cols) + transform) + transform};
 }

@@ -273,7 +273,7 @@ void runTile(const FirTile<double, ZCplx> &tile)
 // serves as many taps as sums are on their way.
 template <int Taps>
 struct Slide {
-    static constexpr int shifts = Taps < 4 ? Taps : 4;
+    static constexpr int shifts = std::min(Taps, 4);
     static constexpr int stages = Taps / shifts;
     Lanes taps[Taps];
     Lanes sums[stages];
