@@ -289,7 +289,7 @@ void registerComparisons()
           "chains for each lag.");
     limit(FEW_COMPLEX, 0.8,
           "Two products, each rounded, and two additions for what the peer does with two fused "
-          "operations, and an exchange of parts.");
+          "operations: ten cycles for 16 lags where the pipes need eight.");
     limit(FEW_REAL_FIRST, 0.8, "Loads of the second sequence, many of which cross cache lines.");
     limit(FEW_COMPLEX_FIRST, 0.8, "Products and additions in equal numbers.");
 }
