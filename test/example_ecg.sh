@@ -4,46 +4,11 @@
 #
 #     example_ecg.sh PROGRAM RECORDING
 
-export LC_ALL=C
-program=$1
-recording=$2
-work=$(mktemp -d) || exit 1
-trap 'rm -rf "$work"' EXIT
-failures=0
+. "${0%/*}/support/example.sh"
+recording=$input
 
-[ -x "$program" ] && [ -r "$recording" ] || {
-    echo "usage: $0 PROGRAM RECORDING" >&2
-    exit 2
-}
-
-fail() {
-    printf 'FAILED: %s\n' "$*"
-    failures=$((failures + 1))
-}
-
-# expect_failure TEXT INPUT: one line that begins with the chapter's name and holds the
-# text, nothing else printed, exit code 1.
-expect_failure() {
-    local text=$1 input=$2 status
-    "$program" "$input" "$work/out" >"$work/stdout" 2>"$work/stderr"
-    status=$?
-    [ "$status" -eq 1 ] || fail "exit code $status on $input"
-    [ ! -s "$work/stdout" ] || fail "printed on $input: $(cat "$work/stdout")"
-    [ "$(wc -l <"$work/stderr")" -eq 1 ] || fail "not one line on $input: $(cat "$work/stderr")"
-    grep -qF "ecg: $text" "$work/stderr" ||
-        fail "expected '$text' on $input, got: $(cat "$work/stderr")"
-}
-
-"$program" "$recording" "$work/out" >"$work/stdout" 2>"$work/stderr" ||
-    fail "exit code $? on the recording"
-[ ! -s "$work/stderr" ] || fail "on the recording: $(cat "$work/stderr")"
-cd "$work/out/ecg" || exit 1
-
-for picture in before-after steps hum spectra responses; do
-    grep -qF "src=\"ecg/$picture.png\"" section.html || fail "$picture.png is not on the page"
-    [ "$(head -c 8 "$picture.png" | od -An -t x1 | tr -d ' \n')" = 89504e470d0a1a0a ] ||
-        fail "$picture.png is no picture"
-done
+expect_chapter before-after steps hum spectra responses
+cd "$work/out/$chapter" || exit 1
 
 # --- the chain ---------------------------------------------------------------
 # Columns: time recorded hummed wander level adaptive notched smooth. They have six
@@ -241,8 +206,4 @@ for line in 'one' '1 2' '1,5' 'nan' 'inf' '1e999' '0.5 mV'; do
     expect_failure "$work/bad.txt: line 101 is not a number" "$work/bad.txt"
 done
 
-"$program" "$recording" >/dev/null 2>"$work/stderr"
-[ $? -eq 2 ] || fail "exit code on a missing argument"
-grep -q '^usage: ' "$work/stderr" || fail "no usage on a missing argument"
-
-[ "$failures" -eq 0 ]
+finish

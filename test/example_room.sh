@@ -4,61 +4,11 @@
 #
 #     example_room.sh PROGRAM RECORDING
 
-export LC_ALL=C
-program=$1
-recording=$2
-work=$(mktemp -d) || exit 1
-trap 'rm -rf "$work"' EXIT
-failures=0
+. "${0%/*}/support/example.sh"
+recording=$input
 
-[ -x "$program" ] && [ -r "$recording" ] || {
-    echo "usage: $0 PROGRAM RECORDING" >&2
-    exit 2
-}
-
-fail() {
-    printf 'FAILED: %s\n' "$*"
-    failures=$((failures + 1))
-}
-
-# expect_failure TEXT INPUT: one line that begins with the chapter's name and holds the
-# text, nothing else printed, exit code 1.
-expect_failure() {
-    local text=$1 input=$2 status
-    "$program" "$input" "$work/out" >"$work/stdout" 2>"$work/stderr"
-    status=$?
-    [ "$status" -eq 1 ] || fail "exit code $status on $input"
-    [ ! -s "$work/stdout" ] || fail "printed on $input: $(cat "$work/stdout")"
-    [ "$(wc -l <"$work/stderr")" -eq 1 ] || fail "not one line on $input: $(cat "$work/stderr")"
-    grep -qF "room: $text" "$work/stderr" ||
-        fail "expected '$text' on $input, got: $(cat "$work/stderr")"
-}
-
-# le VALUE BYTES: an integer, lowest byte first, as printf's escapes.
-le() {
-    local value=$1 i
-    for ((i = 0; i < $2; ++i)); do
-        printf '\\x%02x' $((value & 255))
-        value=$((value >> 8))
-    done
-}
-
-# wav FILE RATE BYTES: the header of a file of one channel and 16 bits.
-wav() {
-    printf "RIFF$(le $((36 + $3)) 4)WAVEfmt $(le 16 4)$(le 1 2)$(le 1 2)$(le "$2" 4)$(
-        le $((2 * $2)) 4)$(le 2 2)$(le 16 2)data$(le "$3" 4)" >"$1"
-}
-
-"$program" "$recording" "$work/out" >"$work/stdout" 2>"$work/stderr" ||
-    fail "exit code $? on the recording"
-[ ! -s "$work/stderr" ] || fail "on the recording: $(cat "$work/stderr")"
-cd "$work/out/room" || exit 1
-
-for picture in response voice correlation; do
-    grep -qF "src=\"room/$picture.png\"" section.html || fail "$picture.png is not on the page"
-    [ "$(head -c 8 "$picture.png" | od -An -t x1 | tr -d ' \n')" = 89504e470d0a1a0a ] ||
-        fail "$picture.png is no picture"
-done
+expect_chapter response voice correlation
+cd "$work/out/$chapter" || exit 1
 
 # --- the arrivals ------------------------------------------------------------
 # 343 m/s, 8000 samples a second: every delay is the way's, and is found to the sample.
@@ -185,8 +135,4 @@ wav "$work/slow.wav" 3999 16000
 head -c 16000 /dev/zero >>"$work/slow.wav"
 expect_failure "$work/slow.wav: has 3999 samples per second, 4000 are needed" "$work/slow.wav"
 
-"$program" "$recording" >/dev/null 2>"$work/stderr"
-[ $? -eq 2 ] || fail "exit code on a missing argument"
-grep -q '^usage: ' "$work/stderr" || fail "no usage on a missing argument"
-
-[ "$failures" -eq 0 ]
+finish

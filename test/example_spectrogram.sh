@@ -4,59 +4,12 @@
 #
 #     example_spectrogram.sh PROGRAM RECORDING
 
-export LC_ALL=C
-program=$1
-recording=$2
-work=$(mktemp -d) || exit 1
-trap 'rm -rf "$work"' EXIT
-failures=0
-
-[ -x "$program" ] && [ -r "$recording" ] || {
-    echo "usage: $0 PROGRAM RECORDING" >&2
-    exit 2
-}
-
-fail() {
-    printf 'FAILED: %s\n' "$*"
-    failures=$((failures + 1))
-}
-
-# expect_failure TEXT INPUT [OUTPUT]: one line that begins with the chapter's name and holds
-# the text, nothing else printed, exit code 1. The program looks for gnuplot in gnuplotPath.
-gnuplotPath=$PATH
-expect_failure() {
-    local text=$1 input=$2 output=${3:-$work/out} status
-    env PATH="$gnuplotPath" "$program" "$input" "$output" >"$work/stdout" 2>"$work/stderr"
-    status=$?
-    [ "$status" -eq 1 ] || fail "exit code $status on $input"
-    [ "$(wc -l <"$work/stderr")" -eq 1 ] || fail "not one line on $input: $(cat "$work/stderr")"
-    grep -qF "spectrogram: $text" "$work/stderr" ||
-        fail "expected '$text' on $input, got: $(cat "$work/stderr")"
-}
-
-# le VALUE BYTES: an integer, lowest byte first, as printf's escapes.
-le() {
-    local value=$1 i
-    for ((i = 0; i < $2; ++i)); do
-        printf '\\x%02x' $((value & 255))
-        value=$((value >> 8))
-    done
-}
-
-# wav FILE CHANNELS FORMAT BITS BYTES: the header of a file at 8000 samples a second.
-wav() {
-    local file=$1 channels=$2 format=$3 bits=$4 bytes=$5
-    local block=$((channels * bits / 8))
-    printf "RIFF$(le $((36 + bytes)) 4)WAVEfmt $(le 16 4)$(le "$format" 2)$(le "$channels" 2)$(
-        le 8000 4)$(le $((8000 * block)) 4)$(le "$block" 2)$(le "$bits" 2)data$(le "$bytes" 4)" \
-        >"$file"
-}
+. "${0%/*}/support/example.sh"
+recording=$input
 
 # --- a good recording --------------------------------------------------------
 
-"$program" "$recording" "$work/out" >"$work/stdout" 2>"$work/stderr" ||
-    fail "exit code $? on the recording"
-[ ! -s "$work/stderr" ] || fail "on the recording: $(cat "$work/stderr")"
+expect_chapter waveform spectrogram closeup
 
 # The levels, once more, from the samples behind the header of 44 bytes.
 od -An -v -t d2 -w2 -j 44 "$recording" | awk '
@@ -72,20 +25,13 @@ od -An -v -t d2 -w2 -j 44 "$recording" | awk '
     }' >"$work/levels"
 diff "$work/levels" "$work/stdout" || fail "levels (above: expected and printed)"
 
-for picture in waveform spectrogram closeup; do
-    grep -qF "src=\"spectrogram/$picture.png\"" "$work/out/spectrogram/section.html" ||
-        fail "$picture.png is not on the page"
-    [ "$(head -c 8 "$work/out/spectrogram/$picture.png" | od -An -t x1 | tr -d ' \n')" = \
-        89504e470d0a1a0a ] || fail "$picture.png is no picture"
-done
-
 # --- a sine of full scale: 1000 Hz is bin 32 ---------------------------------
 
 sine=
 for sample in 0 23170 32767 23170 0 -23170 -32767 -23170; do
     sine+=$(le "$sample" 2)
 done
-wav "$work/sine.wav" 1 1 16 16000
+wav "$work/sine.wav" 8000 16000
 for ((i = 0; i < 1000; ++i)); do
     printf "$sine"
 done >>"$work/sine.wav"
@@ -111,7 +57,7 @@ od -An -v -t f4 -w516 "$work/out/spectrogram/spectrogram.bin" | awk '
 
 # --- silence, and the shortest recording -------------------------------------
 
-wav "$work/silence.wav" 1 1 16 512
+wav "$work/silence.wav" 8000 512
 head -c 512 /dev/zero >>"$work/silence.wav"
 "$program" "$work/silence.wav" "$work/out" >"$work/stdout" 2>"$work/stderr" ||
     fail "exit code $? on silence: $(cat "$work/stderr")"
@@ -149,7 +95,7 @@ expect_failure "$work/nearly.wav: is cut short" "$work/nearly.wav"
 head -c 44 "$recording" >"$work/none.wav"
 expect_failure "$work/none.wav: is cut short" "$work/none.wav"
 
-wav "$work/short.wav" 1 1 16 510
+wav "$work/short.wav" 8000 510
 head -c 510 /dev/zero >>"$work/short.wav"
 expect_failure "$work/short.wav: is too short: it has 255 samples, 256 are needed" "$work/short.wav"
 
@@ -157,11 +103,11 @@ printf '.snd\0\0\0\x18\0\0\x02\0\0\0\0\x03\0\0\x1f\x40\0\0\0\x01' >"$work/sun.wa
 head -c 512 /dev/zero >>"$work/sun.wav"
 expect_failure "$work/sun.wav: is not a WAV file but another kind" "$work/sun.wav"
 
-wav "$work/stereo.wav" 2 1 16 4000
+wav "$work/stereo.wav" 8000 4000 2 1 16
 head -c 4000 /dev/zero >>"$work/stereo.wav"
 expect_failure "$work/stereo.wav: has 2 channels" "$work/stereo.wav"
 
-wav "$work/nan.wav" 1 3 32 2000
+wav "$work/nan.wav" 8000 2000 1 3 32
 {
     head -c 1996 /dev/zero
     printf '\x00\x00\xc0\x7f'
@@ -174,23 +120,18 @@ expect_failure "$work/nan.wav: has samples that are infinite or not a number" "$
 expect_failure "$work/file/spectrogram: Not a directory" "$recording" "$work/file"
 
 mkdir -p "$work/blocked/spectrogram/waveform.txt"
-expect_failure "$work/blocked/spectrogram/waveform.txt: cannot be written" "$recording" \
+expect_late_failure "$work/blocked/spectrogram/waveform.txt: cannot be written" "$recording" \
     "$work/blocked"
 
 mkdir "$work/bin"
 gnuplotPath=$work/bin
-expect_failure "gnuplot cannot be run: No such file or directory" "$recording"
+expect_late_failure "gnuplot cannot be run: No such file or directory" "$recording"
 
 printf '#!/bin/sh\nexit 3\n' >"$work/bin/gnuplot"
 chmod +x "$work/bin/gnuplot"
-expect_failure "gnuplot failed on $work/out/spectrogram/waveform.gp" "$recording"
+expect_late_failure "gnuplot failed on $work/out/spectrogram/waveform.gp" "$recording"
 
 printf '#!/bin/sh\nexit 0\n' >"$work/bin/gnuplot"
-expect_failure "$work/out/spectrogram/waveform.png: gnuplot drew nothing" \
-    "$recording"
+expect_late_failure "$work/out/spectrogram/waveform.png: gnuplot drew nothing" "$recording"
 
-"$program" "$recording" >/dev/null 2>"$work/stderr"
-[ $? -eq 2 ] || fail "exit code on a missing argument"
-grep -q '^usage: ' "$work/stderr" || fail "no usage on a missing argument"
-
-[ "$failures" -eq 0 ]
+finish

@@ -4,46 +4,11 @@
 #
 #     example_stairs.sh PROGRAM PHOTOGRAPH
 
-export LC_ALL=C
-program=$1
-photograph=$2
-work=$(mktemp -d) || exit 1
-trap 'rm -rf "$work"' EXIT
-failures=0
+. "${0%/*}/support/example.sh"
+photograph=$input
 
-[ -x "$program" ] && [ -r "$photograph" ] || {
-    echo "usage: $0 PROGRAM PHOTOGRAPH" >&2
-    exit 2
-}
-
-fail() {
-    printf 'FAILED: %s\n' "$*"
-    failures=$((failures + 1))
-}
-
-# expect_failure TEXT INPUT: one line that begins with the chapter's name and holds the
-# text, nothing else printed, exit code 1.
-expect_failure() {
-    local text=$1 input=$2 status
-    "$program" "$input" "$work/out" >"$work/stdout" 2>"$work/stderr"
-    status=$?
-    [ "$status" -eq 1 ] || fail "exit code $status on $input"
-    [ ! -s "$work/stdout" ] || fail "printed on $input: $(cat "$work/stdout")"
-    [ "$(wc -l <"$work/stderr")" -eq 1 ] || fail "not one line on $input: $(cat "$work/stderr")"
-    grep -qF "stairs: $text" "$work/stderr" ||
-        fail "expected '$text' on $input, got: $(cat "$work/stderr")"
-}
-
-"$program" "$photograph" "$work/out" >"$work/stdout" 2>"$work/stderr" ||
-    fail "exit code $? on the photograph"
-[ ! -s "$work/stderr" ] || fail "on the photograph: $(cat "$work/stderr")"
-cd "$work/out/stairs" || exit 1
-
-for picture in filters detail edges disc; do
-    grep -qF "src=\"stairs/$picture.png\"" section.html || fail "$picture.png is not on the page"
-    [ "$(head -c 8 "$picture.png" | od -An -t x1 | tr -d ' \n')" = 89504e470d0a1a0a ] ||
-        fail "$picture.png is no picture"
-done
+expect_chapter filters detail edges disc
+cd "$work/out/$chapter" || exit 1
 
 # --- the views ---------------------------------------------------------------
 # They are kept column by column from the bottom, in single precision: here row by row from
@@ -209,8 +174,4 @@ expect_failure "$work/cut.pgm: is cut short: 262144 bytes of pixels announced, 2
 expect_failure "$work/bright.pgm: has a pixel of 101, more than the 100 of white" \
     "$work/bright.pgm"
 
-"$program" "$photograph" >/dev/null 2>"$work/stderr"
-[ $? -eq 2 ] || fail "exit code on a missing argument"
-grep -q '^usage: ' "$work/stderr" || fail "no usage on a missing argument"
-
-[ "$failures" -eq 0 ]
+finish
