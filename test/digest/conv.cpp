@@ -13,33 +13,13 @@ const Size sizes[] = {{1, 1},    {20, 1},    {33, 3},     {9, 14},    {64, 64}, 
                       {3, 500},  {120, 110}, {300, 110},  {110, 300}, {500, 500},  {2000, 60},
                       {999, 35}, {40, 3000}, {5000, 150}, {9000, 33}, {20000, 700}};
 
-void fill(FixedData &data, double &x)
-{
-    x = data.sample();
-}
-
-void fill(FixedData &data, ZCplx &z)
-{
-    z.re = data.sample();
-    z.im = data.sample();
-}
-
-template <typename Element>
-std::vector<Element> block(FixedData &data, int n)
-{
-    std::vector<Element> elements(static_cast<std::size_t>(n));
-    for (Element &element : elements)
-        fill(data, element);
-    return elements;
-}
-
 template <typename X, typename H, typename Y>
 void digestConv(Digest &digest, int (*conv)(const X *, int, const H *, int, Y *))
 {
     FixedData data(70);
     for (const Size &size : sizes) {
-        const auto x = block<X>(data, size.xLen);
-        const auto h = block<H>(data, size.hLen);
+        const auto x = data.block<X>(size.xLen);
+        const auto h = data.block<H>(size.hLen);
         std::vector<Y> y(x.size() + h.size() - 1);
         digest.add(conv(x.data(), size.xLen, h.data(), size.hLen, y.data()));
         digest.add(y);

@@ -4,6 +4,7 @@
 #ifndef RVX_TEST_DIGEST_H
 #define RVX_TEST_DIGEST_H
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <vector>
@@ -86,24 +87,24 @@ public:
         std::memcpy(&x, &w, sizeof x);
         return x;
     }
-    std::vector<double> samples(int n)
+    template <typename Element>
+    std::vector<Element> block(int n)
     {
-        std::vector<double> block(static_cast<std::size_t>(n));
-        for (double &x : block)
-            x = sample();
-        return block;
+        std::vector<Element> elements(static_cast<std::size_t>(n));
+        for (Element &element : elements)
+            fill(element);
+        return elements;
     }
-    std::vector<ZCplx> cplxSamples(int n)
-    {
-        std::vector<ZCplx> block(static_cast<std::size_t>(n));
-        for (ZCplx &z : block) {
-            z.re = sample();
-            z.im = sample();
-        }
-        return block;
-    }
+    std::vector<double> samples(int n) { return block<double>(n); }
+    std::vector<ZCplx> cplxSamples(int n) { return block<ZCplx>(n); }
 
 private:
+    void fill(double &x) { x = sample(); }
+    void fill(ZCplx &z)
+    {
+        fill(z.re);
+        fill(z.im);
+    }
     std::uint64_t state;
 };
 

@@ -12,26 +12,6 @@ const Rates rates[] = {{1, 0, 1, 0, 1},  {1, 0, 1, 0, 7},     {1, 0, 1, 0, 64}, 
                        {1, 0, 2, 1, 33}, {1, 0, 5, 0, 100},   {2, 1, 1, 0, 30}, {3, 2, 2, 1, 128},
                        {7, 0, 3, 2, 5},  {147, 3, 160, 9, 50}};
 
-void fill(FixedData &data, double &x)
-{
-    x = data.sample();
-}
-
-void fill(FixedData &data, ZCplx &z)
-{
-    z.re = data.sample();
-    z.im = data.sample();
-}
-
-template <typename Element>
-std::vector<Element> block(FixedData &data, int n)
-{
-    std::vector<Element> elements(static_cast<std::size_t>(n));
-    for (Element &element : elements)
-        fill(data, element);
-    return elements;
-}
-
 template <typename Element>
 void addWindow(Digest &digest, const rvxFirState &state)
 {
@@ -61,8 +41,8 @@ void digestInit(Digest &digest, void (*init)(const Tap *, int, const Sample *, r
 {
     FixedData data(60);
     for (int tapsLen : {1, 2, 7, 64, 65, 200}) {
-        const auto taps = block<Tap>(data, tapsLen);
-        const auto past = block<Sample>(data, tapsLen);
+        const auto taps = data.block<Tap>(tapsLen);
+        const auto past = data.block<Sample>(tapsLen);
         rvxFirState state = {};
         init(taps.data(), tapsLen, past.data(), &state);
         digestState<Tap, Sample>(digest, state);
@@ -76,8 +56,8 @@ using InitMr = void (*)(const Tap *, int, const Sample *, int, int, int, int, rv
 template <typename Tap, typename Sample>
 void start(FixedData &data, const Rates &r, InitMr<Tap, Sample> init, rvxFirState &state)
 {
-    const auto taps = block<Tap>(data, r.tapsLen);
-    const auto past = block<Sample>(data, r.tapsLen);
+    const auto taps = data.block<Tap>(r.tapsLen);
+    const auto past = data.block<Sample>(r.tapsLen);
     init(taps.data(), r.tapsLen, past.data(), r.up, r.upPhase, r.down, r.downPhase, &state);
 }
 
@@ -100,7 +80,7 @@ void digestOne(Digest &digest, InitMr<Tap, Sample> init, Out (*one)(rvxFirState 
     for (int tapsLen : {1, 2, 7, 64, 200}) {
         rvxFirState state = {};
         start(data, {1, 0, 1, 0, tapsLen}, init, state);
-        for (const Sample &x : block<Sample>(data, 300))
+        for (const Sample &x : data.block<Sample>(300))
             digest.add(one(&state, x));
         addWindow<Sample>(digest, state);
         rvxFirFree(&state);
@@ -116,7 +96,7 @@ void digestBlock(Digest &digest, InitMr<Tap, Sample> init,
         rvxFirState state = {};
         start(data, r, init, state);
         for (int steps : {1, 3, 6, 41, 530}) {
-            const auto in = block<Sample>(data, steps * r.down);
+            const auto in = data.block<Sample>(steps * r.down);
             std::vector<Out> out(static_cast<std::size_t>(steps * r.up));
             filter(&state, in.data(), out.data(), steps);
             digest.add(out);

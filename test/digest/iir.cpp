@@ -4,16 +4,6 @@
 
 namespace {
 
-std::vector<double> samplesLike(FixedData &data, int n, double)
-{
-    return data.samples(n);
-}
-
-std::vector<ZCplx> samplesLike(FixedData &data, int n, ZCplx)
-{
-    return data.cplxSamples(n);
-}
-
 template <typename Tap>
 using Init = void (*)(int, const Tap *, int, rvxIirState *);
 
@@ -31,7 +21,7 @@ void makeLeading(ZCplx *tap)
 template <typename Tap>
 std::vector<Tap> directTaps(FixedData &data, int order)
 {
-    std::vector<Tap> taps = samplesLike(data, 2 * order + 2, Tap());
+    std::vector<Tap> taps = data.block<Tap>(2 * order + 2);
     makeLeading(&taps[static_cast<std::size_t>(order) + 1]);
     return taps;
 }
@@ -39,7 +29,7 @@ std::vector<Tap> directTaps(FixedData &data, int order)
 template <typename Tap>
 std::vector<Tap> quadTaps(FixedData &data, int numQuads)
 {
-    std::vector<Tap> taps = samplesLike(data, 6 * numQuads, Tap());
+    std::vector<Tap> taps = data.block<Tap>(6 * numQuads);
     for (std::size_t q = 0; q < taps.size(); q += 6) {
         makeLeading(&taps[q]);
         makeLeading(&taps[q + 3]);
@@ -88,7 +78,7 @@ template <typename Sample, typename Out>
 void addSamples(Digest &digest, rvxIirState &state, Out (*filter)(rvxIirState *, Sample))
 {
     FixedData data(42);
-    for (Sample x : samplesLike(data, 40, Sample()))
+    for (Sample x : data.block<Sample>(40))
         digest.add(filter(&state, x));
 }
 
@@ -98,7 +88,7 @@ void addBlocks(Digest &digest, rvxIirState &state,
 {
     FixedData data(43);
     for (int n : {1, 2, 3, 5, 8, 37, 200}) {
-        const std::vector<Sample> in = samplesLike(data, n, Sample());
+        const std::vector<Sample> in = data.block<Sample>(n);
         std::vector<Out> out(static_cast<std::size_t>(n));
         filter(&state, in.data(), out.data(), n);
         digest.add(out);

@@ -6,34 +6,13 @@ namespace {
 
 constexpr int RVX_DELAY = 2;
 
-double errorOf(FixedData &data, double)
-{
-    return data.sample();
-}
-
-ZCplx errorOf(FixedData &data, ZCplx)
-{
-    const double re = data.sample();
-    return {re, data.sample()};
-}
-
-std::vector<double> samplesOf(FixedData &data, int n, double)
-{
-    return data.samples(n);
-}
-
-std::vector<ZCplx> samplesOf(FixedData &data, int n, ZCplx)
-{
-    return data.cplxSamples(n);
-}
-
 // Outputs and what the steps leave in the record's arrays.
 template <typename Tap, typename Sample, typename Step>
 void digestSteps(Digest &digest, FixedData &data, rvxLmsState &state, Step step)
 {
     for (int k = 0; k < 40; ++k) {
-        const std::vector<Sample> x = samplesOf(data, state.tapState.downFactor, Sample{});
-        digest.add(step(&state, x.data(), errorOf(data, Tap{})));
+        const std::vector<Sample> x = data.block<Sample>(state.tapState.downFactor);
+        digest.add(step(&state, x.data(), data.block<Tap>(1)[0]));
     }
     const auto *taps = static_cast<const Tap *>(state.tapState.taps);
     digest.add(std::vector<Tap>(taps, taps + state.tapState.tapsLen));
@@ -48,8 +27,8 @@ void digestSingle(Digest &digest, Init init, Step step)
 {
     FixedData data(70);
     for (int tapsLen = 1; tapsLen <= 21; ++tapsLen) {
-        const std::vector<Tap> taps = samplesOf(data, tapsLen, Tap{});
-        const std::vector<Sample> before = samplesOf(data, tapsLen + RVX_DELAY - 1, Sample{});
+        const std::vector<Tap> taps = data.block<Tap>(tapsLen);
+        const std::vector<Sample> before = data.block<Sample>(tapsLen + RVX_DELAY - 1);
         rvxLmsState state;
         init(0, taps.data(), tapsLen, before.data(), 0.125f, 0.01f, RVX_DELAY, &state);
         digestSteps<Tap, Sample>(digest, data, state, step);
@@ -62,9 +41,9 @@ void digestMultiRate(Digest &digest, Init init, Step step)
     FixedData data(71);
     for (int tapsLen = 1; tapsLen <= 21; ++tapsLen)
         for (int factor = 1; factor <= 3; ++factor) {
-            const std::vector<Tap> taps = samplesOf(data, tapsLen, Tap{});
+            const std::vector<Tap> taps = data.block<Tap>(tapsLen);
             const int earlier = tapsLen + RVX_DELAY + factor - 1;
-            const std::vector<Sample> before = samplesOf(data, earlier, Sample{});
+            const std::vector<Sample> before = data.block<Sample>(earlier);
             rvxLmsState state;
             init(0, taps.data(), tapsLen, before.data(), 0.125f, 0.01f, RVX_DELAY, factor,
                  factor - 1, &state);
