@@ -398,7 +398,8 @@ typedef struct rvxFirPhaseRow {
     int tapOffset; /* index in taps of the subfilter's first stored tap */
 } rvxFirPhaseRow;
 
-/* Fields are for reading. */
+/* Fields are for reading: one-sample calls of a single-rate filter work ahead from the
+ * taps and the window, and would not see a change. */
 typedef struct rvxFirState {
     int upFactor;               /* 1 or more; 1 in a single-rate filter */
     int upPhase;                /* 0 to upFactor - 1 */

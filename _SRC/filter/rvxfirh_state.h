@@ -22,6 +22,9 @@ void rvxFirStateFree(rvxFirState *statePtr);
 // Fills phaseTable of a multi-rate state; does nothing on a single-rate one.
 void rvxFirBuildPhaseTable(rvxFirState *statePtr);
 
+// The stores are for states whose window stands at its base: sums that one-sample
+// calls have begun ahead keep the values that were there.
+
 // Bring tapVals into stored order; null stores zeros.
 void rvxdFirSetTaps(const double *tapVals, rvxFirState *statePtr);
 void rvxzFirSetTaps(const ZCplx *tapVals, rvxFirState *statePtr);
