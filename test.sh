@@ -7,7 +7,7 @@ cd "$(dirname "$0")" || exit 1
 . scripts/require.sh
 
 require_packages cmake ninja-build g++ clang clang-format clang-tidy libgtest-dev pkg-config \
-    qemu-user libsndfile1-dev gnuplot-nox
+    libmpfr-dev qemu-user libsndfile1-dev gnuplot-nox
 
 passed=0
 failed=0

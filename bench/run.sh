@@ -11,7 +11,8 @@ cd "$(dirname "$0")/.." || exit 1
 . scripts/require.sh
 
 require_packages cmake ninja-build g++ pkg-config python3 libbenchmark-dev
-for peer in libfftw3-dev libopenblas-dev libeigen3-dev libgsl-dev libopencv-imgproc-dev python3-scipy; do
+for peer in libfftw3-dev libopenblas-dev libeigen3-dev libgsl-dev libopencv-imgproc-dev \
+    libsleef-dev python3-scipy; do
     (require_packages $peer) || say "going on without $peer"
 done
 
