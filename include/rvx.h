@@ -182,6 +182,45 @@ RVX_API void rvxzbMpy2(const ZCplx *src, ZCplx *dst, int n);
 RVX_API void rvxzbMpy3(const ZCplx *srcA, const ZCplx *srcB, ZCplx *dst, int n);
 
 /* ---------------------------------------------------------------------------
+ * Thresholds, absolute value, square, root
+ *
+ * Element by element for 0 <= i < len: form 1 in place, dst[i] from src[i] in form
+ * 2, where dst may be the same array as src and may not overlap it in any other
+ * way.
+ * ------------------------------------------------------------------------- */
+
+/* The square root, correctly rounded. A sign bit anywhere in the block, that of
+ * -0.0 too, is reported after the whole block is done.
+ *
+ * A block is taken as triples and a remainder of len % 3 elements. In the remainder
+ * an element with the sign bit set is not written (in place it stays as it was) and
+ * all others, infinity and NaN included, give their root. In triples there is always
+ * a finite result, made from the bit pattern:
+ *   - a negative number gives the root of its magnitude;
+ *   - +0.0, and positive numbers below 2^-1042, give 0.0;
+ *   - other subnormals of either sign, and -0.0, have f = 1.fraction and give
+ *     sqrt(f) * 2^-511.5: about 2^-511 * sqrt(0.5) for -0.0;
+ *   - infinities and NaNs give sqrt(f) * 2^512.
+ * Checks: len below 1; vec (src) null; dst null; after the work, an element whose
+ * sign bit is set. */
+RVX_API void rvxdbSqrt1(double *vec, int len);
+RVX_API void rvxdbSqrt2(const double *src, double *dst, int len);
+
+/* The principal complex square root, with a real part that is never negative and
+ * the imaginary part's own sign: from r = sqrt(re^2 + im^2), t = sqrt((r + |re|) / 2)
+ * and w = |im| / t / 2 the root is t + iw, or w + it where the sign bit of re is set.
+ * A zero gives 0 + 0i. A subnormal or zero imaginary part of the result becomes
+ * +0.0; a subnormal real part stays.
+ *
+ * In triples r^2 and the other sums are rounded to double, and the two roots are
+ * made as above: finite also where r^2 overflows, 0.0 where their argument is
+ * subnormal. So magnitudes should be between about 1e-154 and 1e154. The remainder
+ * of len % 3 elements is carried in extended precision and has no such limits.
+ * Checks: len below 1; vec (src) null; dst null. */
+RVX_API void rvxzbSqrt1(ZCplx *vec, int len);
+RVX_API void rvxzbSqrt2(const ZCplx *src, ZCplx *dst, int len);
+
+/* ---------------------------------------------------------------------------
  * Statistics, norms and dot products
  *
  * Sums are carried in extended precision or better: a result is either the

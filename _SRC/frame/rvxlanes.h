@@ -121,6 +121,19 @@ RVX_INLINE Lanes operator*(Lanes a, Lanes b)
     return {a.v * b.v};
 }
 
+RVX_INLINE Lanes operator/(Lanes a, Lanes b)
+{
+    return {a.v / b.v};
+}
+
+// Written lane by lane since only one compiler has a name for it; both make one
+// instruction of it.
+RVX_INLINE Lanes sqrtLanes(Lanes a)
+{
+    return {RvxVector{__builtin_sqrt(a.v[0]), __builtin_sqrt(a.v[1]), __builtin_sqrt(a.v[2]),
+                      __builtin_sqrt(a.v[3])}};
+}
+
 // a - b in the even lanes, a + b in the odd ones: the last step of a complex
 // product. Compilers make one instruction of it.
 RVX_INLINE Lanes subAdd(Lanes a, Lanes b)
@@ -282,6 +295,12 @@ RVX_INLINE Lanes absLanes(Lanes a)
     return maskBits(a, INT64_MAX);
 }
 
+// |a| with b's sign bit
+RVX_INLINE Lanes withSignOf(Lanes a, Lanes b)
+{
+    return {(RvxVector)(((RvxBits)a.v & INT64_MAX) | ((RvxBits)b.v & INT64_MIN))};
+}
+
 // x where it is strictly above m and m elsewhere, so that a NaN in x is passed
 // over; minLanes likewise. One instruction.
 RVX_INLINE Lanes maxLanes(Lanes m, Lanes x)
@@ -347,6 +366,17 @@ RVX_INLINE LaneMask operator|(LaneMask a, LaneMask b)
 RVX_INLINE LaneMask operator&(LaneMask a, LaneMask b)
 {
     return {a.b & b.b};
+}
+
+RVX_INLINE LaneMask operator~(LaneMask a)
+{
+    return {~a.b};
+}
+
+// Where the sign bit is set, of zeros and NaNs too.
+RVX_INLINE LaneMask isSigned(Lanes a)
+{
+    return {(RvxBits)a.v < 0};
 }
 
 RVX_INLINE LaneMask isEqual(Lanes a, Lanes b)

@@ -1,4 +1,4 @@
-// What the search for extremes shares.
+// What other modules take from this one: the search for extremes, square roots.
 
 #ifndef RVXVEC_H
 #define RVXVEC_H
@@ -12,5 +12,10 @@ struct Extreme {
 
 double rvxLargestValue(const double *vec, int n);
 Extreme rvxSmallestValue(const double *vec, int n);
+
+// dst[i] = sqrt(src[i]) as rvxdbSqrt2 has it, but for the report: true if a sign bit
+// is set. dst may be src. Kernels that make roots on their way have tripleRoot in
+// rvxvec_root.h; the last len % 3 elements of a block do not go through it.
+bool rvxRootBlock(const double *src, double *dst, int len);
 
 #endif
