@@ -80,26 +80,6 @@ void storeDelayLine(const Sample *dlyVals, const rvxFirState &state)
         std::copy_n(dlyVals, state.dlylLen, window);
 }
 
-void setTaps(const double *tapVals, rvxFirState *statePtr)
-{
-    rvxdFirSetTaps(tapVals, statePtr);
-}
-
-void setTaps(const ZCplx *tapVals, rvxFirState *statePtr)
-{
-    rvxzFirSetTaps(tapVals, statePtr);
-}
-
-void setDelayLine(const double *dlyVals, rvxFirState *statePtr)
-{
-    rvxdFirSetDlyl(dlyVals, statePtr);
-}
-
-void setDelayLine(const ZCplx *dlyVals, rvxFirState *statePtr)
-{
-    rvxzFirSetDlyl(dlyVals, statePtr);
-}
-
 } // namespace
 
 void rvxFirStateFree(rvxFirState *statePtr)
@@ -150,8 +130,8 @@ int rvxFirStateInit(const Tap *tapVals, int tapsLen, const Sample *dlyVals, int 
     state.dlylCur = state.dlylBase;
 
     rvxFirBuildPhaseTable(statePtr);
-    setTaps(tapVals, statePtr);
-    setDelayLine(dlyVals, statePtr);
+    storeTaps(tapVals, state);
+    storeDelayLine(dlyVals, state);
     return 1;
 }
 

@@ -88,16 +88,30 @@ void initFilter(const char *func, Form<Tap, Element> form, int iirType, const Ta
     form.clear(&statePtr->tapSt, dlyl, &statePtr->dlySt);
 }
 
-// A block function's own report of what the low level did.
-void passOnFailure(const char *func)
-{
-    if (rvxGetErrStatus() != RVX_STATUS_OK)
-        RVX_REPORT_AS(func, RVX_STATUS_BACKTRACE, nullptr);
-}
-
 bool isDead(const rvxIirState *statePtr)
 {
     return statePtr->dlySt.initMark != RVX_IIR_INIT_MARK;
+}
+
+template <auto lowLevel, typename Sample>
+auto filterSample(const char *func, rvxIirState *statePtr, Sample sample)
+{
+    using Result = decltype(lowLevel(&statePtr->tapSt, &statePtr->dlySt, sample));
+    RVX_REJECT_AS(func, statePtr == nullptr, "statePtr==0", Result());
+    RVX_REJECT_AS(func, isDead(statePtr), "IIR filter wasn't initialized", Result());
+    return lowLevel(&statePtr->tapSt, &statePtr->dlySt, sample);
+}
+
+// Reports once more what the low level reported, unlike the one-sample functions.
+template <auto lowLevel, typename Sample, typename Result>
+void filterBlock(const char *func, rvxIirState *statePtr, const Sample *inSamps, Result *outSamps,
+                 int numIters)
+{
+    RVX_REJECT_AS(func, statePtr == nullptr, "statePtr==0");
+    RVX_REJECT_AS(func, isDead(statePtr), "IIR filter wasn't initialized");
+    lowLevel(&statePtr->tapSt, &statePtr->dlySt, inSamps, outSamps, numIters);
+    if (rvxGetErrStatus() != RVX_STATUS_OK)
+        RVX_REPORT_AS(func, RVX_STATUS_BACKTRACE, nullptr);
 }
 
 } // namespace
@@ -152,62 +166,42 @@ void rvxzdIirInitBq(int iirType, const double *tapVals, int numQuads, rvxIirStat
 
 double rvxdIir(rvxIirState *statePtr, double sample)
 {
-    RVX_REJECT_IF(statePtr == nullptr, "statePtr==0", 0.0);
-    RVX_REJECT_IF(isDead(statePtr), "IIR filter wasn't initialized", 0.0);
-    return rvxdIirl(&statePtr->tapSt, &statePtr->dlySt, sample);
+    return filterSample<rvxdIirl>(__func__, statePtr, sample);
 }
 
 ZCplx rvxzIir(rvxIirState *statePtr, ZCplx sample)
 {
-    RVX_REJECT_IF(statePtr == nullptr, "statePtr==0", ZCplx());
-    RVX_REJECT_IF(isDead(statePtr), "IIR filter wasn't initialized", ZCplx());
-    return rvxzIirl(&statePtr->tapSt, &statePtr->dlySt, sample);
+    return filterSample<rvxzIirl>(__func__, statePtr, sample);
 }
 
 ZCplx rvxdzIir(rvxIirState *statePtr, double sample)
 {
-    RVX_REJECT_IF(statePtr == nullptr, "statePtr==0", ZCplx());
-    RVX_REJECT_IF(isDead(statePtr), "IIR filter wasn't initialized", ZCplx());
-    return rvxdzIirl(&statePtr->tapSt, &statePtr->dlySt, sample);
+    return filterSample<rvxdzIirl>(__func__, statePtr, sample);
 }
 
 ZCplx rvxzdIir(rvxIirState *statePtr, ZCplx sample)
 {
-    RVX_REJECT_IF(statePtr == nullptr, "statePtr==0", ZCplx());
-    RVX_REJECT_IF(isDead(statePtr), "IIR filter wasn't initialized", ZCplx());
-    return rvxzdIirl(&statePtr->tapSt, &statePtr->dlySt, sample);
+    return filterSample<rvxzdIirl>(__func__, statePtr, sample);
 }
 
 void rvxdbIir(rvxIirState *statePtr, const double *inSamps, double *outSamps, int numIters)
 {
-    RVX_REJECT_IF(statePtr == nullptr, "statePtr==0");
-    RVX_REJECT_IF(isDead(statePtr), "IIR filter wasn't initialized");
-    rvxdbIirl(&statePtr->tapSt, &statePtr->dlySt, inSamps, outSamps, numIters);
-    passOnFailure(__func__);
+    filterBlock<rvxdbIirl>(__func__, statePtr, inSamps, outSamps, numIters);
 }
 
 void rvxzbIir(rvxIirState *statePtr, const ZCplx *inSamps, ZCplx *outSamps, int numIters)
 {
-    RVX_REJECT_IF(statePtr == nullptr, "statePtr==0");
-    RVX_REJECT_IF(isDead(statePtr), "IIR filter wasn't initialized");
-    rvxzbIirl(&statePtr->tapSt, &statePtr->dlySt, inSamps, outSamps, numIters);
-    passOnFailure(__func__);
+    filterBlock<rvxzbIirl>(__func__, statePtr, inSamps, outSamps, numIters);
 }
 
 void rvxdzbIir(rvxIirState *statePtr, const double *inSamps, ZCplx *outSamps, int numIters)
 {
-    RVX_REJECT_IF(statePtr == nullptr, "statePtr==0");
-    RVX_REJECT_IF(isDead(statePtr), "IIR filter wasn't initialized");
-    rvxdzbIirl(&statePtr->tapSt, &statePtr->dlySt, inSamps, outSamps, numIters);
-    passOnFailure(__func__);
+    filterBlock<rvxdzbIirl>(__func__, statePtr, inSamps, outSamps, numIters);
 }
 
 void rvxzdbIir(rvxIirState *statePtr, const ZCplx *inSamps, ZCplx *outSamps, int numIters)
 {
-    RVX_REJECT_IF(statePtr == nullptr, "statePtr==0");
-    RVX_REJECT_IF(isDead(statePtr), "IIR filter wasn't initialized");
-    rvxzdbIirl(&statePtr->tapSt, &statePtr->dlySt, inSamps, outSamps, numIters);
-    passOnFailure(__func__);
+    filterBlock<rvxzdbIirl>(__func__, statePtr, inSamps, outSamps, numIters);
 }
 
 void rvxIirFree(rvxIirState *statePtr)

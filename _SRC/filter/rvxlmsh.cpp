@@ -6,6 +6,7 @@
 #include <climits>
 #include <cstdint>
 #include <cstdlib>
+#include <type_traits>
 
 #include "filter/rvxlmsl.h"
 #include "frame/rvxcheck.h"
@@ -101,6 +102,20 @@ void initFilter(const char *func, const rvxLmsTapState &given, int moreLine, con
     storeLine(dlyVals, statePtr);
 }
 
+// A step by the low level: input is one sample or the array of a block's.
+template <auto lowLevel, typename Input, typename Tap>
+Tap takeStep(const char *func, rvxLmsState *statePtr, Input input, Tap err)
+{
+    RVX_REJECT_AS(func, statePtr == nullptr, "Null buffer pointer", Tap{});
+    if constexpr (std::is_pointer<Input>::value)
+        RVX_REJECT_AS(func, input == nullptr, "Null buffer pointer", Tap{});
+    RVX_REJECT_AS(func, statePtr->tapState.tapsReady == 0,
+                  "Taps state structure is not initialized", Tap{});
+    RVX_REJECT_AS(func, statePtr->dlyState.dlyReady == 0,
+                  "Delay line state structure is not initialized", Tap{});
+    return lowLevel(&statePtr->tapState, &statePtr->dlyState, input, err);
+}
+
 } // namespace
 
 void rvxdLmsSetTaps(const double *values, rvxLmsState *statePtr)
@@ -173,65 +188,32 @@ void rvxdzLmsInitMr(int lmsType, const ZCplx *tapVals, int tapsLen, const double
 
 double rvxdLms(rvxLmsState *statePtr, double sample, double err)
 {
-    RVX_REJECT_IF(statePtr == nullptr, "Null buffer pointer", 0.0);
-    RVX_REJECT_IF(statePtr->tapState.tapsReady == 0, "Taps state structure is not initialized",
-                  0.0);
-    RVX_REJECT_IF(statePtr->dlyState.dlyReady == 0, "Delay line state structure is not initialized",
-                  0.0);
-    return rvxdLmsl(&statePtr->tapState, &statePtr->dlyState, sample, err);
+    return takeStep<rvxdLmsl>(__func__, statePtr, sample, err);
 }
 
 ZCplx rvxzLms(rvxLmsState *statePtr, ZCplx sample, ZCplx err)
 {
-    RVX_REJECT_IF(statePtr == nullptr, "Null buffer pointer", ZCplx{});
-    RVX_REJECT_IF(statePtr->tapState.tapsReady == 0, "Taps state structure is not initialized",
-                  ZCplx{});
-    RVX_REJECT_IF(statePtr->dlyState.dlyReady == 0, "Delay line state structure is not initialized",
-                  ZCplx{});
-    return rvxzLmsl(&statePtr->tapState, &statePtr->dlyState, sample, err);
+    return takeStep<rvxzLmsl>(__func__, statePtr, sample, err);
 }
 
 ZCplx rvxdzLms(rvxLmsState *statePtr, double sample, ZCplx err)
 {
-    RVX_REJECT_IF(statePtr == nullptr, "Null buffer pointer", ZCplx{});
-    RVX_REJECT_IF(statePtr->tapState.tapsReady == 0, "Taps state structure is not initialized",
-                  ZCplx{});
-    RVX_REJECT_IF(statePtr->dlyState.dlyReady == 0, "Delay line state structure is not initialized",
-                  ZCplx{});
-    return rvxdzLmsl(&statePtr->tapState, &statePtr->dlyState, sample, err);
+    return takeStep<rvxdzLmsl>(__func__, statePtr, sample, err);
 }
 
 double rvxdbLms(rvxLmsState *statePtr, const double *inSamps, double err)
 {
-    RVX_REJECT_IF(statePtr == nullptr, "Null buffer pointer", 0.0);
-    RVX_REJECT_IF(inSamps == nullptr, "Null buffer pointer", 0.0);
-    RVX_REJECT_IF(statePtr->tapState.tapsReady == 0, "Taps state structure is not initialized",
-                  0.0);
-    RVX_REJECT_IF(statePtr->dlyState.dlyReady == 0, "Delay line state structure is not initialized",
-                  0.0);
-    return rvxdbLmsl(&statePtr->tapState, &statePtr->dlyState, inSamps, err);
+    return takeStep<rvxdbLmsl>(__func__, statePtr, inSamps, err);
 }
 
 ZCplx rvxzbLms(rvxLmsState *statePtr, const ZCplx *inSamps, ZCplx err)
 {
-    RVX_REJECT_IF(statePtr == nullptr, "Null buffer pointer", ZCplx{});
-    RVX_REJECT_IF(inSamps == nullptr, "Null buffer pointer", ZCplx{});
-    RVX_REJECT_IF(statePtr->tapState.tapsReady == 0, "Taps state structure is not initialized",
-                  ZCplx{});
-    RVX_REJECT_IF(statePtr->dlyState.dlyReady == 0, "Delay line state structure is not initialized",
-                  ZCplx{});
-    return rvxzbLmsl(&statePtr->tapState, &statePtr->dlyState, inSamps, err);
+    return takeStep<rvxzbLmsl>(__func__, statePtr, inSamps, err);
 }
 
 ZCplx rvxdzbLms(rvxLmsState *statePtr, const double *inSamps, ZCplx err)
 {
-    RVX_REJECT_IF(statePtr == nullptr, "Null buffer pointer", ZCplx{});
-    RVX_REJECT_IF(inSamps == nullptr, "Null buffer pointer", ZCplx{});
-    RVX_REJECT_IF(statePtr->tapState.tapsReady == 0, "Taps state structure is not initialized",
-                  ZCplx{});
-    RVX_REJECT_IF(statePtr->dlyState.dlyReady == 0, "Delay line state structure is not initialized",
-                  ZCplx{});
-    return rvxdzbLmsl(&statePtr->tapState, &statePtr->dlyState, inSamps, err);
+    return takeStep<rvxdzbLmsl>(__func__, statePtr, inSamps, err);
 }
 
 // Deliberately without a report, and the ready flags stay as they are.

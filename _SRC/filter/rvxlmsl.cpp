@@ -285,18 +285,29 @@ typename Family::Tap takeStep(const rvxLmsTapState &taps, const rvxLmsDlyState &
 }
 
 template <typename Family>
-typename Family::Tap oneStep(const rvxLmsTapState &taps, const rvxLmsDlyState &dly,
-                             typename Family::Sample sample, typename Family::Tap err)
+typename Family::Tap oneStep(const char *func, const rvxLmsTapState *taps,
+                             const rvxLmsDlyState *dly, typename Family::Sample sample,
+                             typename Family::Tap err)
 {
-    return takeStep<Family>(taps, dly, &sample, 1, 0, dly.dlylLen - 1LL, err);
+    using Tap = typename Family::Tap;
+    RVX_REJECT_AS(func, taps == nullptr || dly == nullptr, "Null buffer pointer", Tap{});
+    RVX_REJECT_AS(func, taps->tapsReady == 0, "Taps state structure is not initialized", Tap{});
+    RVX_REJECT_AS(func, dly->dlyReady == 0, "Delay line state structure is not initialized", Tap{});
+    return takeStep<Family>(*taps, *dly, &sample, 1, 0, dly->dlylLen - 1LL, err);
 }
 
 template <typename Family>
-typename Family::Tap blockStep(const rvxLmsTapState &taps, const rvxLmsDlyState &dly,
-                               const typename Family::Sample *inSamps, typename Family::Tap err)
+typename Family::Tap blockStep(const char *func, const rvxLmsTapState *taps,
+                               const rvxLmsDlyState *dly, const typename Family::Sample *inSamps,
+                               typename Family::Tap err)
 {
-    return takeStep<Family>(taps, dly, inSamps, taps.downFactor, taps.downPhase,
-                            static_cast<long long>(taps.tapsLen) + taps.errDly, err);
+    using Tap = typename Family::Tap;
+    RVX_REJECT_AS(func, taps == nullptr || dly == nullptr, "Null buffer pointer", Tap{});
+    RVX_REJECT_AS(func, inSamps == nullptr, "Null buffer pointer", Tap{});
+    RVX_REJECT_AS(func, taps->tapsReady == 0, "Taps state structure is not initialized", Tap{});
+    RVX_REJECT_AS(func, dly->dlyReady == 0, "Delay line state structure is not initialized", Tap{});
+    return takeStep<Family>(*taps, *dly, inSamps, taps->downFactor, taps->downPhase,
+                            static_cast<long long>(taps->tapsLen) + taps->errDly, err);
 }
 
 template <typename Tap>
@@ -349,51 +360,30 @@ void rvxzLmslSetDlyl(const ZCplx *values, rvxLmsDlyState *dly)
 
 double rvxdLmsl(rvxLmsTapState *taps, rvxLmsDlyState *dly, double sample, double err)
 {
-    RVX_REJECT_IF(taps == nullptr || dly == nullptr, "Null buffer pointer", 0.0);
-    RVX_REJECT_IF(taps->tapsReady == 0, "Taps state structure is not initialized", 0.0);
-    RVX_REJECT_IF(dly->dlyReady == 0, "Delay line state structure is not initialized", 0.0);
-    return oneStep<RealLms>(*taps, *dly, sample, err);
+    return oneStep<RealLms>(__func__, taps, dly, sample, err);
 }
 
 ZCplx rvxzLmsl(rvxLmsTapState *taps, rvxLmsDlyState *dly, ZCplx sample, ZCplx err)
 {
-    RVX_REJECT_IF(taps == nullptr || dly == nullptr, "Null buffer pointer", ZCplx{});
-    RVX_REJECT_IF(taps->tapsReady == 0, "Taps state structure is not initialized", ZCplx{});
-    RVX_REJECT_IF(dly->dlyReady == 0, "Delay line state structure is not initialized", ZCplx{});
-    return oneStep<CplxLms>(*taps, *dly, sample, err);
+    return oneStep<CplxLms>(__func__, taps, dly, sample, err);
 }
 
 ZCplx rvxdzLmsl(rvxLmsTapState *taps, rvxLmsDlyState *dly, double sample, ZCplx err)
 {
-    RVX_REJECT_IF(taps == nullptr || dly == nullptr, "Null buffer pointer", ZCplx{});
-    RVX_REJECT_IF(taps->tapsReady == 0, "Taps state structure is not initialized", ZCplx{});
-    RVX_REJECT_IF(dly->dlyReady == 0, "Delay line state structure is not initialized", ZCplx{});
-    return oneStep<MixedLms>(*taps, *dly, sample, err);
+    return oneStep<MixedLms>(__func__, taps, dly, sample, err);
 }
 
 double rvxdbLmsl(rvxLmsTapState *taps, rvxLmsDlyState *dly, const double *inSamps, double err)
 {
-    RVX_REJECT_IF(taps == nullptr || dly == nullptr, "Null buffer pointer", 0.0);
-    RVX_REJECT_IF(inSamps == nullptr, "Null buffer pointer", 0.0);
-    RVX_REJECT_IF(taps->tapsReady == 0, "Taps state structure is not initialized", 0.0);
-    RVX_REJECT_IF(dly->dlyReady == 0, "Delay line state structure is not initialized", 0.0);
-    return blockStep<RealLms>(*taps, *dly, inSamps, err);
+    return blockStep<RealLms>(__func__, taps, dly, inSamps, err);
 }
 
 ZCplx rvxzbLmsl(rvxLmsTapState *taps, rvxLmsDlyState *dly, const ZCplx *inSamps, ZCplx err)
 {
-    RVX_REJECT_IF(taps == nullptr || dly == nullptr, "Null buffer pointer", ZCplx{});
-    RVX_REJECT_IF(inSamps == nullptr, "Null buffer pointer", ZCplx{});
-    RVX_REJECT_IF(taps->tapsReady == 0, "Taps state structure is not initialized", ZCplx{});
-    RVX_REJECT_IF(dly->dlyReady == 0, "Delay line state structure is not initialized", ZCplx{});
-    return blockStep<CplxLms>(*taps, *dly, inSamps, err);
+    return blockStep<CplxLms>(__func__, taps, dly, inSamps, err);
 }
 
 ZCplx rvxdzbLmsl(rvxLmsTapState *taps, rvxLmsDlyState *dly, const double *inSamps, ZCplx err)
 {
-    RVX_REJECT_IF(taps == nullptr || dly == nullptr, "Null buffer pointer", ZCplx{});
-    RVX_REJECT_IF(inSamps == nullptr, "Null buffer pointer", ZCplx{});
-    RVX_REJECT_IF(taps->tapsReady == 0, "Taps state structure is not initialized", ZCplx{});
-    RVX_REJECT_IF(dly->dlyReady == 0, "Delay line state structure is not initialized", ZCplx{});
-    return blockStep<MixedLms>(*taps, *dly, inSamps, err);
+    return blockStep<MixedLms>(__func__, taps, dly, inSamps, err);
 }

@@ -305,76 +305,67 @@ bool exceedsInt(int srcLen, int factor)
     return std::int64_t{srcLen} * factor > INT_MAX;
 }
 
-} // namespace
-
 // A phase that is too large deliberately has the factor's message.
-
-void rvxdUpSample(const double *src, int srcLen, double *dst, int *dstLen, int factor, int *phase)
+bool accepts(const char *func, const void *src, int srcLen, const void *dst, const int *dstLen,
+             int factor, const int *phase)
 {
-    RVX_REJECT_IF(srcLen < 1, "Invalid src array length");
-    RVX_REJECT_IF(src == nullptr || dst == nullptr, "Null buffer pointer");
-    RVX_REJECT_IF(dstLen == nullptr, "Null dstLen pointer");
-    RVX_REJECT_IF(phase == nullptr, "Null phase pointer");
-    RVX_REJECT_IF(factor < 1, "Invalid factor value");
-    RVX_REJECT_IF(*phase < 0, "Invalid phase value");
-    RVX_REJECT_IF(factor <= *phase, "Invalid factor value");
-    RVX_REJECT_IF(exceedsInt(srcLen, factor), "Invalid src array length");
+    RVX_REJECT_AS(func, srcLen < 1, "Invalid src array length", false);
+    RVX_REJECT_AS(func, src == nullptr || dst == nullptr, "Null buffer pointer", false);
+    RVX_REJECT_AS(func, dstLen == nullptr, "Null dstLen pointer", false);
+    RVX_REJECT_AS(func, phase == nullptr, "Null phase pointer", false);
+    RVX_REJECT_AS(func, factor < 1, "Invalid factor value", false);
+    RVX_REJECT_AS(func, *phase < 0, "Invalid phase value", false);
+    RVX_REJECT_AS(func, factor <= *phase, "Invalid factor value", false);
+    return true;
+}
+
+template <auto kernel, typename Sample>
+void upSample(const char *func, const Sample *src, int srcLen, Sample *dst, int *dstLen, int factor,
+              const int *phase)
+{
+    if (!accepts(func, src, srcLen, dst, dstLen, factor, phase))
+        return;
+    RVX_REJECT_AS(func, exceedsInt(srcLen, factor), "Invalid src array length");
     *dstLen = srcLen * factor;
     if (factor == 1)
         copyUnlessSame(src, dst, srcLen);
     else
-        spreadReal(src, srcLen, dst, factor, *phase);
+        kernel(src, srcLen, dst, factor, *phase);
+}
+
+template <auto kernel, typename Sample>
+void downSample(const char *func, const Sample *src, int srcLen, Sample *dst, int *dstLen,
+                int factor, int *phase)
+{
+    if (!accepts(func, src, srcLen, dst, dstLen, factor, phase))
+        return;
+    const int kept = keptCount(srcLen, factor, *phase);
+    if (factor == 1)
+        copyUnlessSame(src, dst, srcLen);
+    else
+        kernel(src, dst, kept, factor, *phase);
+    *phase = phaseBehind(srcLen, factor, *phase, kept);
+    *dstLen = kept;
+}
+
+} // namespace
+
+void rvxdUpSample(const double *src, int srcLen, double *dst, int *dstLen, int factor, int *phase)
+{
+    upSample<spreadReal>(__func__, src, srcLen, dst, dstLen, factor, phase);
 }
 
 void rvxzUpSample(const ZCplx *src, int srcLen, ZCplx *dst, int *dstLen, int factor, int *phase)
 {
-    RVX_REJECT_IF(srcLen < 1, "Invalid src array length");
-    RVX_REJECT_IF(src == nullptr || dst == nullptr, "Null buffer pointer");
-    RVX_REJECT_IF(dstLen == nullptr, "Null dstLen pointer");
-    RVX_REJECT_IF(phase == nullptr, "Null phase pointer");
-    RVX_REJECT_IF(factor < 1, "Invalid factor value");
-    RVX_REJECT_IF(*phase < 0, "Invalid phase value");
-    RVX_REJECT_IF(factor <= *phase, "Invalid factor value");
-    RVX_REJECT_IF(exceedsInt(srcLen, factor), "Invalid src array length");
-    *dstLen = srcLen * factor;
-    if (factor == 1)
-        copyUnlessSame(src, dst, srcLen);
-    else
-        spreadCplx(src, srcLen, dst, factor, *phase);
+    upSample<spreadCplx>(__func__, src, srcLen, dst, dstLen, factor, phase);
 }
 
 void rvxdDownSample(const double *src, int srcLen, double *dst, int *dstLen, int factor, int *phase)
 {
-    RVX_REJECT_IF(srcLen < 1, "Invalid src array length");
-    RVX_REJECT_IF(src == nullptr || dst == nullptr, "Null buffer pointer");
-    RVX_REJECT_IF(dstLen == nullptr, "Null dstLen pointer");
-    RVX_REJECT_IF(phase == nullptr, "Null phase pointer");
-    RVX_REJECT_IF(factor < 1, "Invalid factor value");
-    RVX_REJECT_IF(*phase < 0, "Invalid phase value");
-    RVX_REJECT_IF(factor <= *phase, "Invalid factor value");
-    const int kept = keptCount(srcLen, factor, *phase);
-    if (factor == 1)
-        copyUnlessSame(src, dst, srcLen);
-    else
-        keepReal(src, dst, kept, factor, *phase);
-    *phase = phaseBehind(srcLen, factor, *phase, kept);
-    *dstLen = kept;
+    downSample<keepReal>(__func__, src, srcLen, dst, dstLen, factor, phase);
 }
 
 void rvxzDownSample(const ZCplx *src, int srcLen, ZCplx *dst, int *dstLen, int factor, int *phase)
 {
-    RVX_REJECT_IF(srcLen < 1, "Invalid src array length");
-    RVX_REJECT_IF(src == nullptr || dst == nullptr, "Null buffer pointer");
-    RVX_REJECT_IF(dstLen == nullptr, "Null dstLen pointer");
-    RVX_REJECT_IF(phase == nullptr, "Null phase pointer");
-    RVX_REJECT_IF(factor < 1, "Invalid factor value");
-    RVX_REJECT_IF(*phase < 0, "Invalid phase value");
-    RVX_REJECT_IF(factor <= *phase, "Invalid factor value");
-    const int kept = keptCount(srcLen, factor, *phase);
-    if (factor == 1)
-        copyUnlessSame(src, dst, srcLen);
-    else
-        keepCplx(src, dst, kept, factor, *phase);
-    *phase = phaseBehind(srcLen, factor, *phase, kept);
-    *dstLen = kept;
+    downSample<keepCplx>(__func__, src, srcLen, dst, dstLen, factor, phase);
 }
