@@ -11,96 +11,10 @@
 
 #include "convolution/rvxconvd.h"
 #include "convolution/rvxconvd_checks.h"
+#include "frame/rvxcplx.h"
 #include "frame/rvxlanes.h"
 
 namespace {
-
-// ---- values, one and four at a time -------------------------------------------
-
-struct CplxLanes {
-    Lanes re;
-    Lanes im;
-};
-
-// Two complex values whole.
-struct CplxPair {
-    Lanes z;
-};
-
-RVX_INLINE double product(double x, double h)
-{
-    return x * h;
-}
-
-RVX_INLINE ZCplx product(ZCplx x, double h)
-{
-    return {x.re * h, x.im * h};
-}
-
-RVX_INLINE ZCplx product(double x, ZCplx h)
-{
-    return {x * h.re, x * h.im};
-}
-
-RVX_INLINE ZCplx product(ZCplx x, ZCplx h)
-{
-    return {x.re * h.re - x.im * h.im, x.re * h.im + x.im * h.re};
-}
-
-RVX_INLINE Lanes product(Lanes x, Lanes h)
-{
-    return x * h;
-}
-
-RVX_INLINE CplxPair product(CplxPair x, Lanes h)
-{
-    return {x.z * h};
-}
-
-RVX_INLINE CplxLanes product(Lanes x, CplxLanes h)
-{
-    return {x * h.re, x * h.im};
-}
-
-RVX_INLINE CplxLanes product(CplxLanes x, CplxLanes h)
-{
-    return {x.re * h.re - x.im * h.im, x.re * h.im + x.im * h.re};
-}
-
-RVX_INLINE double plus(double a, double b)
-{
-    return a + b;
-}
-
-RVX_INLINE ZCplx plus(ZCplx a, ZCplx b)
-{
-    return {a.re + b.re, a.im + b.im};
-}
-
-RVX_INLINE Lanes plus(Lanes a, Lanes b)
-{
-    return a + b;
-}
-
-RVX_INLINE CplxLanes plus(CplxLanes a, CplxLanes b)
-{
-    return {a.re + b.re, a.im + b.im};
-}
-
-RVX_INLINE CplxPair plus(CplxPair a, CplxPair b)
-{
-    return {a.z + b.z};
-}
-
-RVX_INLINE Lanes spread(double h)
-{
-    return allLanes(h);
-}
-
-RVX_INLINE CplxLanes spread(ZCplx h)
-{
-    return {allLanes(h.re), allLanes(h.im)};
-}
 
 // ---- one output ---------------------------------------------------------------
 
@@ -108,7 +22,7 @@ RVX_INLINE CplxLanes spread(ZCplx h)
 template <typename Long, typename Short>
 auto outputAt(const Long *x, int xLen, const Short *h, int hLen, std::int64_t n)
 {
-    using Out = decltype(product(*x, *h));
+    using Out = decltype(*x * *h);
     const int xEven = xLen & ~1;
     const int hEven = hLen & ~1;
     Out y = {};
@@ -116,18 +30,18 @@ auto outputAt(const Long *x, int xLen, const Short *h, int hLen, std::int64_t n)
         const std::int64_t i = n - j;
         const bool odd = i % 2 != 0;
         if (odd && i < xEven)
-            y = plus(product(x[i], h[j]), y);
+            y = x[i] * h[j] + y;
         if (i > 0 && i <= xEven)
-            y = plus(product(x[i - 1], h[j + 1]), y);
+            y = x[i - 1] * h[j + 1] + y;
         if (!odd && i < xEven)
-            y = plus(product(x[i], h[j]), y);
+            y = x[i] * h[j] + y;
     }
     const std::int64_t last = n - (hLen - 1);
     if (hLen != hEven && last >= 0 && last < xLen)
-        y = plus(y, product(x[last], h[hLen - 1]));
+        y = y + x[last] * h[hLen - 1];
     const std::int64_t j = n - (xLen - 1);
     if (xLen != xEven && j >= 0 && j < hEven)
-        y = plus(y, product(x[xLen - 1], h[j]));
+        y = y + x[xLen - 1] * h[j];
     return y;
 }
 
@@ -173,11 +87,11 @@ struct CplxWindow {
     double oddRe[RVX_CONV_WINDOW];
     double oddIm[RVX_CONV_WINDOW];
 
-    RVX_INLINE CplxLanes evenAt(int p) const
+    RVX_INLINE Quad evenAt(int p) const
     {
         return {loadLanesOnce(evenRe + p), loadLanesOnce(evenIm + p)};
     }
-    RVX_INLINE CplxLanes oddAt(int p) const
+    RVX_INLINE Quad oddAt(int p) const
     {
         return {loadLanesOnce(oddRe + p), loadLanesOnce(oddIm + p)};
     }
@@ -211,8 +125,8 @@ struct PairWindow {
     ZCplx even[RVX_CONV_WINDOW];
     ZCplx odd[RVX_CONV_WINDOW];
 
-    RVX_INLINE CplxPair evenAt(int p) const { return {loadLanesOnce(even + p)}; }
-    RVX_INLINE CplxPair oddAt(int p) const { return {loadLanesOnce(odd + p)}; }
+    RVX_INLINE Lanes evenAt(int p) const { return loadLanesOnce(even + p); }
+    RVX_INLINE Lanes oddAt(int p) const { return loadLanesOnce(odd + p); }
     RVX_INLINE void set(int p, ZCplx e, ZCplx o)
     {
         even[p] = e;
@@ -253,7 +167,7 @@ RVX_INLINE void storeOutputs(double *y, Lanes even, Lanes odd)
     storeLanes(y + 4, lastHalves(outer, inner));
 }
 
-RVX_INLINE void storeOutputs(ZCplx *y, CplxLanes even, CplxLanes odd)
+RVX_INLINE void storeOutputs(ZCplx *y, Quad even, Quad odd)
 {
     const Lanes even02 = evenLanes(even.re, even.im);
     const Lanes even13 = oddLanes(even.re, even.im);
@@ -265,10 +179,10 @@ RVX_INLINE void storeOutputs(ZCplx *y, CplxLanes even, CplxLanes odd)
     storeLanes(y + 6, lastHalves(even13, odd13));
 }
 
-RVX_INLINE void storeOutputs(ZCplx *y, CplxPair even, CplxPair odd)
+RVX_INLINE void storeOutputs(ZCplx *y, Lanes even, Lanes odd)
 {
-    storeLanes(y, firstHalves(even.z, odd.z));
-    storeLanes(y + 2, lastHalves(even.z, odd.z));
+    storeLanes(y, firstHalves(even, odd));
+    storeLanes(y + 2, lastHalves(even, odd));
 }
 
 // 2 * width * vectors outputs, whose first pair of x stands at place p, from the pairs of taps
@@ -278,7 +192,7 @@ template <int vectors, typename Window, typename Tap, typename Out>
 RVX_INLINE void sumTile(const Window &window, int p, const Tap *taps, int tapsLen, int from, int to,
                         Out *y)
 {
-    using Sum = decltype(product(window.evenAt(0), taps[0]));
+    using Sum = decltype(window.evenAt(0) * taps[0]);
     Sum even[vectors] = {};
     Sum odd[vectors] = {};
     for (int q = from; q < to; ++q)
@@ -287,14 +201,14 @@ RVX_INLINE void sumTile(const Window &window, int p, const Tap *taps, int tapsLe
             const auto x = window.evenAt(at);
             const Tap h0 = taps[2 * q];
             const Tap h1 = taps[2 * q + 1];
-            even[v] = plus(product(x, h0), plus(product(window.oddAt(at - 1), h1), even[v]));
-            odd[v] = plus(product(x, h1), plus(product(window.oddAt(at), h0), odd[v]));
+            even[v] = x * h0 + (window.oddAt(at - 1) * h1 + even[v]);
+            odd[v] = x * h1 + (window.oddAt(at) * h0 + odd[v]);
         }
     for (int v = 0; v < vectors; ++v) {
         if (tapsLen % 2 != 0) {
             const int at = p + Window::width * v - tapsLen / 2;
-            even[v] = plus(even[v], product(window.evenAt(at), taps[tapsLen - 1]));
-            odd[v] = plus(odd[v], product(window.oddAt(at), taps[tapsLen - 1]));
+            even[v] = even[v] + window.evenAt(at) * taps[tapsLen - 1];
+            odd[v] = odd[v] + window.oddAt(at) * taps[tapsLen - 1];
         }
         storeOutputs(y + 2 * Window::width * v, even[v], odd[v]);
     }
@@ -331,9 +245,9 @@ RVX_INLINE void sumAll(const Long *x, int xLen, const Short *h, int hLen, Out *y
 {
     const std::int64_t total = std::int64_t{xLen} + hLen - 1;
     // Spread beforehand: compilers would load several and take them apart by shuffles.
-    decltype(spread(*h)) taps[RVX_CONV_DIRECT_MAX];
+    decltype(broadcast(*h)) taps[RVX_CONV_DIRECT_MAX];
     for (int j = 0; j < hLen; ++j)
-        taps[j] = spread(h[j]);
+        taps[j] = broadcast(h[j]);
     for (std::int64_t n = 0; n < total; n += 2 * RVX_CONV_CHUNK) {
         const std::int64_t left = total - n;
         const int count = left < 2 * RVX_CONV_CHUNK ? static_cast<int>(left) : 2 * RVX_CONV_CHUNK;
@@ -343,7 +257,7 @@ RVX_INLINE void sumAll(const Long *x, int xLen, const Short *h, int hLen, Out *y
     if (xLen % 2 != 0) {
         Out *end = y + (xLen - 1);
         for (int j = 0; j < hLen; ++j)
-            end[j] = plus(end[j], product(x[xLen - 1], h[j]));
+            end[j] = end[j] + x[xLen - 1] * h[j];
     }
 }
 

@@ -11,6 +11,7 @@
 #include "convolution/rvxconvd.h"
 #include "convolution/rvxconvd_checks.h"
 #include "frame/rvxbuffer.h"
+#include "frame/rvxcplx.h"
 #include "frame/rvxlanes.h"
 #include "transform/rvxfftd.h"
 #include "transform/rvxmisc.h"
@@ -55,11 +56,6 @@ void copyPadded(const Element *src, std::int64_t len, Element *dst, std::int64_t
 
 // ---- a complex spectrum by that of a real sequence ----------------------------
 
-RVX_INLINE Lanes cplxProduct(Lanes a, Lanes b)
-{
-    return subAdd(realParts(a) * b, imagParts(a) * swapParts(b));
-}
-
 // out[k] = full[k] bins[k] for all n bins, of which `bins` holds the first n/2 + 1 and
 // means the conjugates of these by the others. out may be either.
 RVX_KERNEL void convMirrorProduct(const ZCplx *full, const ZCplx *bins, ZCplx *out, int n)
@@ -79,8 +75,8 @@ RVX_KERNEL void convMirrorProduct(const ZCplx *full, const ZCplx *bins, ZCplx *o
                                    lanesOf(bin.re, bin.im, bin.re, -bin.im));
     storeFirst(out + half - 1, both);
     storeFirst(out + half + 1, swapHalves(both));
-    out[half] = {full[half].re * last, full[half].im * last};
-    out[0] = {full[0].re * first, full[0].im * first};
+    out[half] = full[half] * last;
+    out[0] = full[0] * first;
 }
 
 // ---- the forms ----------------------------------------------------------------

@@ -9,6 +9,7 @@
 
 #include "convolution/rvxfir2.h"
 #include "convolution/rvxfir2_split.h"
+#include "frame/rvxcplx.h"
 #include "transform/rvxfftd.h"
 #include "transform/rvxfftd_quads.h"
 
@@ -244,16 +245,6 @@ RVX_KERNEL void filterMergeColumns(ZCplx *data, std::int64_t rows, std::int64_t 
 // ---------------------------------------------------------------------------
 // Pairs of rows
 
-RVX_INLINE Lanes product(Lanes a, Lanes b)
-{
-    return subAdd(realParts(a) * b, imagParts(a) * swapParts(b));
-}
-
-RVX_INLINE ZCplx product(ZCplx a, ZCplx b)
-{
-    return {a.re * b.re - a.im * b.im, a.re * b.im + a.im * b.re};
-}
-
 // Four slots of a row, and the four of the mirror row that belong to them, from the
 // last one down. The first four are one and one, and then a group of two. From rows of
 // four slots on the filter's spectrum is arranged as such quads, real before imaginary
@@ -362,8 +353,8 @@ struct Convolve {
     RVX_INLINE void few(Lanes &k, Lanes &m, Lanes w) const
     {
         splitRows(k, m, w);
-        k = product(k, Slots::load(upper));
-        m = product(m, Slots::load(lower));
+        k = cplxProduct(k, Slots::load(upper));
+        m = cplxProduct(m, Slots::load(lower));
         joinRows(k, m, w);
     }
     RVX_INLINE void quad(Quad &k, Quad &m, std::int64_t p, Quad w) const
@@ -459,7 +450,7 @@ RVX_KERNEL void filterProduct(ZCplx *line, const ZCplx *filter, std::int64_t n)
 {
     line[0] = {line[0].re * filter[0].re, line[0].im * filter[0].im};
     for (std::int64_t s = 1; s < n; ++s)
-        line[s] = product(line[s], filter[s]);
+        line[s] = line[s] * filter[s];
 }
 
 constexpr int forwardFlags = RVX_FFT_FORWARD | RVX_FFT_OUT_BIT_REV;

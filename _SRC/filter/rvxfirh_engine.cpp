@@ -11,6 +11,7 @@
 #include <cstdint>
 
 #include "filter/rvxfirh_sums.h"
+#include "frame/rvxcplx.h"
 #include "frame/rvxkernel.h"
 #include "frame/rvxlanes.h"
 
@@ -98,12 +99,11 @@ RVX_INLINE void addTap(const FirTile<Tap, Sample> &tile, Tap value, const double
         const double *even = at + (late ? RVX_SHIFT : 0);
         const double *odd = at + (late ? 0 : RVX_SHIFT);
         for (int k = 0; k < Vectors; ++k)
-            sums[k] = addProduct(sums[k], tap, {loadLanes((k % 2 == 0 ? even : odd) + 4 * k)});
+            sums[k] = sums[k] + tap * loadLanes((k % 2 == 0 ? even : odd) + 4 * k);
     } else {
         for (int k = 0; k < Vectors; ++k)
-            sums[k] = addProduct(
-                sums[k], tap,
-                loadSamples(at + 4 * k, tile.stride, static_cast<const Sample *>(nullptr)));
+            sums[k] = sums[k] + tap * loadSamples(at + 4 * k, tile.stride,
+                                                  static_cast<const Sample *>(nullptr));
     }
 }
 
@@ -398,10 +398,10 @@ void sumFour(const Tap *taps, int numTaps, const Sample *window, int down, Out *
     Out sum0 = {}, sum1 = {}, sum2 = {}, sum3 = {};
     const std::ptrdiff_t next = down;
     for (int k = 0; k < numTaps; ++k) {
-        sum0 = addProduct(sum0, taps[k], window[k]);
-        sum1 = addProduct(sum1, taps[k], window[k + next]);
-        sum2 = addProduct(sum2, taps[k], window[k + 2 * next]);
-        sum3 = addProduct(sum3, taps[k], window[k + 3 * next]);
+        sum0 = sum0 + taps[k] * window[k];
+        sum1 = sum1 + taps[k] * window[k + next];
+        sum2 = sum2 + taps[k] * window[k + 2 * next];
+        sum3 = sum3 + taps[k] * window[k + 3 * next];
     }
     out[0] = sum0;
     out[rowCount] = sum1;
@@ -520,7 +520,7 @@ RvxFirOut<Tap, Sample> rvxFirSum(RvxFirOut<Tap, Sample> sum, const Tap *taps, co
                                  int n)
 {
     for (int k = 0; k < n; ++k)
-        sum = addProduct(sum, taps[k], window[k]);
+        sum = sum + taps[k] * window[k];
     return sum;
 }
 

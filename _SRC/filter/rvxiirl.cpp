@@ -107,10 +107,10 @@ void initDirect(const char *func, int iirType, Tap *taps, int order, rvxIirTapSt
     Tap *a = taps + order + 1;
     RVX_REJECT_AS(func, isZero(a[0]), "taps[order+1] equals zero");
     const Tap f = reciprocal(a[0]);
-    b[0] = tapTimes(b[0], f);
+    b[0] = b[0] * f;
     for (int i = 1; i <= order; ++i) {
-        b[i] = tapTimes(b[i], f);
-        a[i - 1] = tapTimes(a[i], f);
+        b[i] = b[i] * f;
+        a[i - 1] = a[i] * f;
     }
 }
 
@@ -135,10 +135,10 @@ void initCascade(const char *func, int iirType, Tap *taps, int numQuads, rvxIirT
         const Tap fa = reciprocal(a0);
         const Tap fb = reciprocal(b0);
         Tap *section = taps + 1 + 4 * q;
-        section[0] = tapTimes(a1, fa);
-        section[1] = tapTimes(a2, fa);
-        section[2] = tapTimes(b1, fb);
-        section[3] = tapTimes(b2, fb);
+        section[0] = a1 * fa;
+        section[1] = a2 * fa;
+        section[2] = b1 * fb;
+        section[3] = b2 * fb;
         g = gainTimes(g, b0, fa);
     }
     taps[0] = g;

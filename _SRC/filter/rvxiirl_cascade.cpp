@@ -196,10 +196,7 @@ template <typename Tap, typename Sample>
 struct ScaledInput {
     Tap gain;
     const Sample *in;
-    RVX_INLINE IirElement<Tap, Sample> operator()(std::ptrdiff_t s) const
-    {
-        return tapTimes(gain, in[s]);
-    }
+    RVX_INLINE IirElement<Tap, Sample> operator()(std::ptrdiff_t s) const { return gain * in[s]; }
 };
 
 template <typename Element>

@@ -21,7 +21,7 @@ RVX_INLINE void scaleBlock(const Tap *taps, const Sample *in, IirElement<Tap, Sa
 {
     const Tap gain = taps[0];
     for (int i = 0; i < n; ++i)
-        out[i] = tapTimes(gain, in[i]);
+        out[i] = gain * in[i];
 }
 
 // 1 <= order <= held
@@ -62,7 +62,7 @@ struct RealBatch {
             for (int i = RVX_IIR_BATCH - 1; i >= 1; --i)
                 if (i <= k)
                     sum = term(i, k - i) + sum;
-            y[k] = tapTimes(taps[0], x[k]) + sum;
+            y[k] = taps[0] * x[k] + sum;
         }
     }
 

@@ -11,6 +11,7 @@
 #include <cstring>
 
 #include "frame/rvxcheck.h"
+#include "frame/rvxcplx.h"
 #include "frame/rvxkernel.h"
 #include "frame/rvxlanes.h"
 
@@ -91,7 +92,7 @@ struct CplxLms {
     }
     static RVX_INLINE Lanes product(Lanes taps, Lanes samples)
     {
-        return subAdd(realParts(taps) * samples, imagParts(taps) * swapParts(samples));
+        return cplxProduct(taps, samples);
     }
     static RVX_INLINE Lanes plusAll(Lanes sum, Lanes p) { return (sum + p) + swapHalves(p); }
     static RVX_INLINE ZCplx first(Lanes sum) { return {sum.v[0], sum.v[1]}; }
@@ -251,16 +252,6 @@ ZCplx lmsOutput(const LmsStep<MixedLms> &step, ZCplx gain)
     return lmsOutputMixed(step, gain);
 }
 
-double scaled(double err, double step)
-{
-    return err * step;
-}
-
-ZCplx scaled(ZCplx err, double step)
-{
-    return {err.re * step, err.im * step};
-}
-
 // A step of `factor` samples, of which sample `phase` is the newest in the output;
 // lineLen samples of the line move up.
 template <typename Family>
@@ -281,7 +272,7 @@ typename Family::Tap takeStep(const rvxLmsTapState &taps, const rvxLmsDlyState &
     step.line = static_cast<typename Family::Sample *>(dly.dlyl);
     step.past = step.line + (factor - 1 - phase) + errDly;
     step.lineLen = lineLen;
-    return lmsOutput(step, scaled(err, taps.step));
+    return lmsOutput(step, err * static_cast<double>(taps.step));
 }
 
 template <typename Family>

@@ -12,32 +12,8 @@
 
 #include <utility>
 
+#include "frame/rvxcplx.h"
 #include "frame/rvxlanes.h"
-
-struct Quad {
-    Lanes re;
-    Lanes im;
-};
-
-RVX_INLINE Quad operator+(Quad a, Quad b)
-{
-    return {a.re + b.re, a.im + b.im};
-}
-
-RVX_INLINE Quad operator-(Quad a, Quad b)
-{
-    return {a.re - b.re, a.im - b.im};
-}
-
-RVX_INLINE Quad operator*(Quad a, Quad w)
-{
-    return {a.re * w.re - a.im * w.im, a.re * w.im + a.im * w.re};
-}
-
-RVX_INLINE Quad operator*(Quad a, Lanes s)
-{
-    return {a.re * s, a.im * s};
-}
 
 // a and b become a + b and a - b.
 RVX_INLINE void sumDiff(Quad &a, Quad &b)

@@ -11,24 +11,13 @@
 #include <cstring>
 
 #include "frame/rvxcheck.h"
+#include "frame/rvxcplx.h"
 #include "frame/rvxkernel.h"
 #include "frame/rvxlanes.h"
 
 RVX_MODULE("rvxarith")
 
 namespace {
-
-// p * q in the grouping that every complex product of the library has.
-RVX_INLINE ZCplx product(ZCplx p, ZCplx q)
-{
-    return {p.re * q.re - p.im * q.im, p.im * q.re + p.re * q.im};
-}
-
-// The same for two products side by side.
-RVX_INLINE Lanes product(Lanes p, Lanes q)
-{
-    return subAdd(p * realParts(q), swapParts(p) * imagParts(q));
-}
 
 struct First {
     template <typename T>
@@ -62,17 +51,10 @@ struct Product {
     }
 };
 
-struct CplxSum {
-    RVX_INLINE Lanes operator()(Lanes p, Lanes q) const { return p + q; }
-    RVX_INLINE ZCplx operator()(ZCplx p, ZCplx q) const { return {p.re + q.re, p.im + q.im}; }
-};
-
+// The second one's parts are taken apart: a scalar's once for the whole block.
 struct CplxProduct {
-    template <typename T>
-    RVX_INLINE T operator()(T p, T q) const
-    {
-        return product(p, q);
-    }
+    RVX_INLINE Lanes operator()(Lanes p, Lanes q) const { return cplxProduct(q, p); }
+    RVX_INLINE ZCplx operator()(ZCplx p, ZCplx q) const { return q * p; }
 };
 
 // An operand of a block operation: a block has an element at each index, a
@@ -239,7 +221,7 @@ RVX_KERNEL void multiplyBlocks(const double *a, const double *b, double *dst, in
 
 RVX_KERNEL void addCplxScalar(double re, double im, ZCplx *dst, int n)
 {
-    combineCplx(CplxBlock{dst}, Scalar<ZCplx>{{re, im}}, dst, n, CplxSum{});
+    combineCplx(CplxBlock{dst}, Scalar<ZCplx>{{re, im}}, dst, n, Sum{});
 }
 
 RVX_KERNEL void multiplyCplxScalar(double re, double im, ZCplx *dst, int n)
@@ -306,17 +288,17 @@ void rvxzbCopy(const ZCplx *src, ZCplx *dst, int n)
 
 ZCplx rvxzAdd(ZCplx a, ZCplx b)
 {
-    return {a.re + b.re, a.im + b.im};
+    return a + b;
 }
 
 ZCplx rvxzSub(ZCplx a, ZCplx b)
 {
-    return {a.re - b.re, a.im - b.im};
+    return a - b;
 }
 
 ZCplx rvxzMpy(ZCplx a, ZCplx b)
 {
-    return product(b, a);
+    return a * b;
 }
 
 ZCplx rvxzDiv(ZCplx a, ZCplx b)
