@@ -182,6 +182,61 @@ RVX_API void rvxzbMpy2(const ZCplx *src, ZCplx *dst, int n);
 RVX_API void rvxzbMpy3(const ZCplx *srcA, const ZCplx *srcB, ZCplx *dst, int n);
 
 /* ---------------------------------------------------------------------------
+ * Complex block forms
+ * ------------------------------------------------------------------------- */
+
+/* Conjugates for 0 <= i < n: vec[i] = conj(vec[i]), and dst[i] = conj(src[i]), where
+ * dst may be src. The imaginary part's sign bit turns and all else is moved: zeros and
+ * NaNs change sign too, payloads stay.
+ * Checks: n below 1; vec (src) null; dst null. */
+RVX_API void rvxzbConj1(ZCplx *vec, int n);
+RVX_API void rvxzbConj2(const ZCplx *src, ZCplx *dst, int n);
+
+/* dst[n - 1 - k] = conj(src[k]) for 0 <= k < n: reversed and conjugated. The blocks
+ * must not overlap.
+ * Checks: n below 1; src null; dst null. */
+RVX_API void rvxzbConjFlip2(const ZCplx *src, ZCplx *dst, int n);
+
+/* The whole of a conjugate-symmetric spectrum of 2n - 2 elements from its first n, of
+ * which the last stands at the Nyquist frequency: vec[2n - 2 - k] = conj(vec[k]) for
+ * 1 <= k <= n - 2, the first n elements stay as they are. An n of 1 or 2 changes
+ * nothing.
+ *   vec   has room for 2n - 2 elements
+ * Checks: n below 1; vec null. */
+RVX_API void rvxzbConjExtend1(ZCplx *vec, int n);
+
+/* The same from src to dst: dst[k] = src[k] for 0 <= k < n, and dst[2n - 2 - k] =
+ * conj(src[k]) for 1 <= k <= n - 2.
+ *   src   n elements, but two when n is 1: element 1 is copied always
+ *   dst   has room for 2n - 2 elements, but two when n is 1; may be src, must not
+ *         overlap it otherwise
+ * Checks: n below 1; src null; dst null. */
+RVX_API void rvxzbConjExtend2(const ZCplx *src, ZCplx *dst, int n);
+
+/* dst[i] = src[i].re, and dst[i] = src[i].im, for 0 <= i < length, bit for bit. dst may
+ * begin where src does, and must not overlap it otherwise.
+ * Checks: length below 1; src null; dst null. */
+RVX_API void rvxzbReal(const ZCplx *src, double *dst, int length);
+RVX_API void rvxzbImag(const ZCplx *src, double *dst, int length);
+
+/* dstReal[i] = src[i].re and dstImag[i] = src[i].im for 0 <= i < length, bit for bit.
+ * The three must not overlap.
+ * Checks: length below 1; src null; dstReal null; dstImag null. */
+RVX_API void rvxzbCplxTo2Real(const ZCplx *src, double *dstReal, double *dstImag, int length);
+
+/* dst[i].re = srcReal[i] and dst[i].im = srcImag[i] for 0 <= i < length, bit for bit.
+ * A null source stands for zeros; both may be null. dst must not overlap a source.
+ * Checks: length below 1; dst null. */
+RVX_API void rvxzb2RealToCplx(const double *srcReal, const double *srcImag, ZCplx *dst, int length);
+
+/* spectr[i] = src[i].im * src[i].im + src[i].re * src[i].re for 0 <= i < length, each
+ * product and the sum rounded once and not scaled: parts beyond about 1e154 give
+ * infinity, parts below about 1e-162 zero. spectr may begin where src does, and must
+ * not overlap it otherwise.
+ * Checks, the result before the source: length below 1; spectr null; src null. */
+RVX_API void rvxzbPowerSpectr(const ZCplx *src, double *spectr, int length);
+
+/* ---------------------------------------------------------------------------
  * Thresholds, absolute value, square, root
  *
  * Element by element for 0 <= i < len: form 1 in place, dst[i] from src[i] in form

@@ -28,6 +28,16 @@ struct Lanes {
     RvxVector v;
 };
 
+// How many doubles p stands behind a multiple of 32 bytes. A store of four lanes
+// there crosses no cache line, which is worth up to twice the speed.
+RVX_INLINE int doublesBehindLanes(const void *p)
+{
+    return static_cast<int>(reinterpret_cast<std::uintptr_t>(p) / sizeof(double) % 4);
+}
+
+// Blocks shorter than this gain nothing from stores in step with the lanes.
+constexpr int RVX_WORTH_ALIGNING = 32;
+
 RVX_INLINE Lanes loadLanes(const double *p)
 {
     return {*reinterpret_cast<const RvxVectorMem *>(p)};

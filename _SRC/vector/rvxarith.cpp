@@ -79,16 +79,6 @@ struct Scalar {
     RVX_INLINE Lanes lanesAt(std::ptrdiff_t) const { return lanes; }
 };
 
-// How many doubles p stands behind a multiple of 32 bytes. A store of four lanes
-// there crosses no cache line, which is worth up to twice the speed.
-RVX_INLINE int doublesBehindLanes(const void *p)
-{
-    return static_cast<int>(reinterpret_cast<std::uintptr_t>(p) / sizeof(double) % 4);
-}
-
-// Blocks shorter than this gain nothing from stores in step with the lanes.
-constexpr int RVX_WORTH_ALIGNING = 32;
-
 // dst[i] = op(a[i], b[i]), from the last element down to the first. Every step
 // has read its elements before it writes, so that dst may be an operand.
 template <typename A, typename B, typename Op>

@@ -1,0 +1,203 @@
+// Complex blocks taken apart and put together: real and imaginary parts, power,
+// magnitude, phase, polar form.
+//
+// Parts are moved and powers formed four at a time, loads and stores being the limit;
+// the polar forms have kernels of their own.
+
+#include <cmath>
+#include <cstddef>
+
+#include "frame/rvxcheck.h"
+#include "frame/rvxkernel.h"
+#include "frame/rvxlanes.h"
+#include "rvx.h"
+#include "vector/rvxarith.h"
+
+RVX_MODULE("rvxcvrtd")
+
+namespace {
+
+struct RealPart {
+    template <typename T>
+    RVX_INLINE T operator()(T re, T) const
+    {
+        return re;
+    }
+};
+
+struct ImagPart {
+    template <typename T>
+    RVX_INLINE T operator()(T, T im) const
+    {
+        return im;
+    }
+};
+
+struct Power {
+    template <typename T>
+    RVX_INLINE T operator()(T re, T im) const
+    {
+        return im * im + re * re;
+    }
+};
+
+// How many elements to do one by one so that the stores to dst are in step with lanes.
+RVX_INLINE std::ptrdiff_t untilAligned(const double *dst, std::ptrdiff_t n)
+{
+    return n >= RVX_WORTH_ALIGNING ? (4 - doublesBehindLanes(dst)) % 4 : 0;
+}
+
+// Real and imaginary parts of four elements. From every second one: then parts that
+// belong together meet without a step across the halves.
+struct Parts {
+    Lanes re;
+    Lanes im;
+};
+
+RVX_INLINE Parts partsOf(const ZCplx *src)
+{
+    const Lanes even = pairLoads(src, src + 2);
+    const Lanes odd = pairLoads(src + 1, src + 3);
+    return {evenLanes(even, odd), oddLanes(even, odd)};
+}
+
+// dst[i] = op(src[i].re, src[i].im) from the first element up, each group read before
+// it is written: dst may begin where src does.
+template <typename Op>
+RVX_INLINE void combineParts(const ZCplx *src, double *dst, std::ptrdiff_t n, Op op)
+{
+    std::ptrdiff_t i = 0;
+    for (const std::ptrdiff_t past = untilAligned(dst, n); i < past; ++i)
+        dst[i] = op(src[i].re, src[i].im);
+    for (; n - i >= 8; i += 8) {
+        const Parts low = partsOf(src + i);
+        const Parts high = partsOf(src + i + 4);
+        storeLanes(dst + i, op(low.re, low.im));
+        storeLanes(dst + i + 4, op(high.re, high.im));
+    }
+    for (; i < n; ++i)
+        dst[i] = op(src[i].re, src[i].im);
+}
+
+RVX_KERNEL void takeReal(const ZCplx *src, double *dst, std::ptrdiff_t n)
+{
+    combineParts(src, dst, n, RealPart{});
+}
+
+RVX_KERNEL void takeImag(const ZCplx *src, double *dst, std::ptrdiff_t n)
+{
+    combineParts(src, dst, n, ImagPart{});
+}
+
+RVX_KERNEL void formPower(const ZCplx *src, double *dst, std::ptrdiff_t n)
+{
+    combineParts(src, dst, n, Power{});
+}
+
+RVX_KERNEL void takeParts(const ZCplx *src, double *re, double *im, std::ptrdiff_t n)
+{
+    std::ptrdiff_t i = 0;
+    for (; n - i >= 4; i += 4) {
+        const Parts parts = partsOf(src + i);
+        storeLanes(re + i, parts.re);
+        storeLanes(im + i, parts.im);
+    }
+    for (; i < n; ++i) {
+        re[i] = src[i].re;
+        im[i] = src[i].im;
+    }
+}
+
+// Sources of parts: a block has its elements, a missing one zeros.
+struct PartBlock {
+    const double *elements;
+    RVX_INLINE double at(std::ptrdiff_t i) const { return elements[i]; }
+    RVX_INLINE Lanes lanesAt(std::ptrdiff_t i) const { return loadLanes(elements + i); }
+};
+
+struct NoPart {
+    RVX_INLINE double at(std::ptrdiff_t) const { return 0.0; }
+    RVX_INLINE Lanes lanesAt(std::ptrdiff_t) const { return allLanes(0.0); }
+};
+
+template <typename Real, typename Imag>
+RVX_INLINE void joinParts(Real re, Imag im, ZCplx *dst, std::ptrdiff_t n)
+{
+    std::ptrdiff_t i = 0;
+    if (n >= RVX_WORTH_ALIGNING && doublesBehindLanes(dst) == 2) {
+        dst[0] = {re.at(0), im.at(0)};
+        i = 1;
+    }
+    for (; n - i >= 4; i += 4) {
+        const Lanes reals = re.lanesAt(i);
+        const Lanes imags = im.lanesAt(i);
+        storeLanes(dst + i, interleaveLow(reals, imags));
+        storeLanes(dst + i + 2, interleaveHigh(reals, imags));
+    }
+    for (; i < n; ++i)
+        dst[i] = {re.at(i), im.at(i)};
+}
+
+RVX_KERNEL void joinBoth(const double *re, const double *im, ZCplx *dst, std::ptrdiff_t n)
+{
+    joinParts(PartBlock{re}, PartBlock{im}, dst, n);
+}
+
+RVX_KERNEL void joinReal(const double *re, ZCplx *dst, std::ptrdiff_t n)
+{
+    joinParts(PartBlock{re}, NoPart{}, dst, n);
+}
+
+RVX_KERNEL void joinImag(const double *im, ZCplx *dst, std::ptrdiff_t n)
+{
+    joinParts(NoPart{}, PartBlock{im}, dst, n);
+}
+
+} // namespace
+
+void rvxzbReal(const ZCplx *src, double *dst, int length)
+{
+    RVX_REJECT_IF(length <= 0, "length<=0");
+    RVX_REJECT_IF(src == nullptr, "src==0");
+    RVX_REJECT_IF(dst == nullptr, "dst==0");
+    takeReal(src, dst, length);
+}
+
+void rvxzbImag(const ZCplx *src, double *dst, int length)
+{
+    RVX_REJECT_IF(length <= 0, "length<=0");
+    RVX_REJECT_IF(src == nullptr, "src==0");
+    RVX_REJECT_IF(dst == nullptr, "dst==0");
+    takeImag(src, dst, length);
+}
+
+void rvxzbCplxTo2Real(const ZCplx *src, double *dstReal, double *dstImag, int length)
+{
+    RVX_REJECT_IF(length <= 0, "length<=0");
+    RVX_REJECT_IF(src == nullptr, "src==0");
+    RVX_REJECT_IF(dstReal == nullptr, "dstReal==0");
+    RVX_REJECT_IF(dstImag == nullptr, "dstImag==0");
+    takeParts(src, dstReal, dstImag, length);
+}
+
+void rvxzb2RealToCplx(const double *srcReal, const double *srcImag, ZCplx *dst, int length)
+{
+    RVX_REJECT_IF(length <= 0, "length<=0");
+    RVX_REJECT_IF(dst == nullptr, "dst==0");
+    if (srcReal != nullptr && srcImag != nullptr)
+        joinBoth(srcReal, srcImag, dst, length);
+    else if (srcReal != nullptr)
+        joinReal(srcReal, dst, length);
+    else if (srcImag != nullptr)
+        joinImag(srcImag, dst, length);
+    else
+        rvxzbZero(dst, length);
+}
+
+void rvxzbPowerSpectr(const ZCplx *src, double *spectr, int length)
+{
+    RVX_REJECT_IF(length <= 0, "length<=0");
+    RVX_REJECT_IF(spectr == nullptr, "spectr==0"); // deliberate: the result before the source
+    RVX_REJECT_IF(src == nullptr, "src==0");
+    formPower(src, spectr, length);
+}
