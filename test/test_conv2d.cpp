@@ -15,6 +15,7 @@
 #include "support/conv2d.h"
 #include "support/guarded.h"
 #include "support/reports.h"
+#include "support/worse.h"
 
 namespace {
 
@@ -480,7 +481,7 @@ double transformError(int xCols, int xRows, int hCols, int hRows)
             for (std::size_t m = 0; m < h.cols; ++m)
                 if (k <= r && r - k < x.rows && m <= c && c - m < x.cols)
                     sum += static_cast<long double>(h.at(k, m)) * x.at(r - k, c - m);
-        largest = std::max(largest, std::fabs(sum - y[i]));
+        largest = worse(largest, std::fabs(sum - y[i]));
         squares += sum * sum;
     }
     return static_cast<double>(largest / std::sqrt(squares / static_cast<long double>(looked)));

@@ -8,6 +8,7 @@
 #include "support/corr_forms.h"
 #include "support/guarded.h"
 #include "support/walled.h"
+#include "support/worse.h"
 #include "transform/rvxmisc.h"
 #include "transform/rvxtwd.h"
 
@@ -102,7 +103,7 @@ double unitsOff(int len1, int len2, std::int64_t loLag, int lags, double mean, d
     for (int j = 0; j < lags; j += 1 + lags / 40) {
         const auto error = reference::widen(dst[static_cast<std::size_t>(j)]) -
                            reference::corrAt(src1, src2, loLag + j);
-        worst = std::max(worst, static_cast<double>(std::abs(error)));
+        worst = worse(worst, static_cast<double>(std::abs(error)));
     }
     return size == 0.0 ? 0.0 : worst / (errorUnit(len1, lags) * size);
 }
@@ -117,7 +118,7 @@ double autoUnitsOff(int len, int lags, double mean)
     for (int k = 0; k < lags; k += 1 + lags / 40) {
         const auto error =
             reference::widen(dst[static_cast<std::size_t>(k)]) - reference::corrAt(src, src, k);
-        worst = std::max(worst, static_cast<double>(std::abs(error)));
+        worst = worse(worst, static_cast<double>(std::abs(error)));
     }
     return worst / (errorUnit(len, lags) * size);
 }
@@ -151,7 +152,7 @@ TYPED_TEST(CrossBlocks, LagsAtTheEndsOfTheirRange)
         const auto src2 = noiseOf<typename TypeParam::B>(200, 37);
         ASSERT_TRUE(crossTransforms<TypeParam>(300, 100));
         // Where both pieces share a transform, src2's zeros come out as rounding errors.
-        const double residue = TypeParam::form == reference::CorrForm::Real ? 1e-14 : 0.0;
+        const double residue = TypeParam::form == reference::CorrForm::Real ? 2e-15 : 0.0;
         for (double part : partsOf(crossOf<TypeParam>(src1, src2, static_cast<int>(loLag),
                                                       static_cast<int>(loLag + 99))))
             EXPECT_NEAR(part, 0.0, residue);
@@ -198,7 +199,7 @@ TYPED_TEST(CrossBlocks, ErrorsStayWithinTheStatedBound)
             for (int len2 : {30, 900, 30000})
                 for (double mean : {0.0, 0.3, 2.0})
                     for (double size2 : {1.0, 1e-3, 1e3})
-                        worst = std::max(
+                        worst = worse(
                             worst, unitsOff<TypeParam>(len1, len2, -lags / 2, lags, mean, size2));
     // Measured: 0.33 in the real and the complex form, 0.46 in the mixed ones.
     EXPECT_LT(worst, 0.5);
@@ -260,9 +261,9 @@ TYPED_TEST(AutoBlocks, LagZeroIsTheEnergy)
     ASSERT_TRUE(autoTransforms<TypeParam>(3000, 500));
     const auto dst = partsOf(autoOf<TypeParam>(src, 500, RVX_AUTOCORR_NORMAL));
     const double energy = norm(src) * norm(src);
-    EXPECT_NEAR(dst[0] / energy, 1.0, 1e-14);
+    EXPECT_NEAR(dst[0] / energy, 1.0, 3e-15);
     if (dst.size() > 500) {
-        EXPECT_NEAR(dst[1] / energy, 0.0, 1e-15);
+        EXPECT_NEAR(dst[1] / energy, 0.0, 2e-18);
     }
 }
 
@@ -273,7 +274,7 @@ TYPED_TEST(AutoBlocks, ErrorsStayWithinTheStatedBound)
         for (int len : {100, 300, 1000, 4000, 20000, 100000})
             if (len >= lags && autoTransforms<TypeParam>(len, lags))
                 for (double mean : {0.0, 0.3, 2.0})
-                    worst = std::max(worst, autoUnitsOff<TypeParam>(len, lags, mean));
+                    worst = worse(worst, autoUnitsOff<TypeParam>(len, lags, mean));
     // Measured: 0.59 in the real form, 0.34 in the complex one.
     EXPECT_LT(worst, 0.6);
 }

@@ -11,6 +11,7 @@
 #include "rvx.h"
 #include "support/complex_fronts.h"
 #include "support/guarded.h"
+#include "support/worse.h"
 #include "transform/rvxfftd.h"
 #include "transform/rvxmisc.h"
 #include "transform/rvxtwd.h"
@@ -46,7 +47,7 @@ Error errorOf(const Signal &x, const std::vector<ZExtended> &reference, long dou
         sum += re * re + im * im;
         power +=
             (reference[i].re * reference[i].re + reference[i].im * reference[i].im) * scale * scale;
-        largest = std::max({largest, std::fabs(re), std::fabs(im)});
+        largest = worse(largest, worse(std::fabs(re), std::fabs(im)));
     }
     const auto n = static_cast<long double>(x.size());
     return {static_cast<double>(std::sqrt(sum / power)),

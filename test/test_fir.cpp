@@ -351,7 +351,7 @@ TYPED_TEST(Fir, ErrorIsThatOfRounding)
                                       imag.add(im(h), re(x));
                                   });
             const auto bound = [](const reference::WideSum &sum) {
-                return (0.5L * sum.terms + 2) * 0x1p-53L * sum.size;
+                return (0.25L * sum.terms + 1.25) * 0x1p-53L * sum.size;
             };
             ASSERT_LE(std::fabs(re(out[m]) - real.value), bound(real)) << tapsLen << " at " << m;
             ASSERT_LE(std::fabs(im(out[m]) - imag.value), bound(imag)) << tapsLen << " at " << m;

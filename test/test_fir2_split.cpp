@@ -187,8 +187,8 @@ TEST(RealSplit, TheWayBackGivesTwiceTheValues)
             rvxRealSplitInv(z.data(), order, inverse);
             rvxzFft(z.data(), order, inverse);
             for (std::size_t i = 0; i < x.size(); ++i) {
-                EXPECT_NEAR(z[i].re, 2.0 * x[i].re, 2.5e-15) << i << " order " << order;
-                EXPECT_NEAR(z[i].im, 2.0 * x[i].im, 2.5e-15) << i << " order " << order;
+                EXPECT_NEAR(z[i].re, 2.0 * x[i].re, 2e-15) << i << " order " << order;
+                EXPECT_NEAR(z[i].im, 2.0 * x[i].im, 2e-15) << i << " order " << order;
             }
         }
 }

@@ -12,6 +12,7 @@
 #include "rvx.h"
 #include "support/guarded.h"
 #include "support/reports.h"
+#include "support/worse.h"
 
 namespace {
 
@@ -299,7 +300,7 @@ TEST(WindowWeights, FormulaWithinTheErrorOfTheRecurrence)
             run(window, vec.data(), n);
             Wide worst = 0;
             for (int k = 0; k < n / 2; ++k)
-                worst = std::max(
+                worst = worse(
                     worst, fabsl(vec[static_cast<std::size_t>(k)] - weightByFormula(window, k, n)));
             const Wide u = 0x1p-53L;
             const Wide wideN = n;
