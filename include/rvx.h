@@ -244,6 +244,69 @@ RVX_API void rvxzbPowerSpectr(const ZCplx *src, double *spectr, int length);
  * way.
  * ------------------------------------------------------------------------- */
 
+/* |x|: the sign bit cleared, all other bits as they were, those of a NaN too.
+ * Checks: len below 1; vec (src) null; dst null. */
+RVX_API void rvxdbAbs1(double *vec, int len);
+RVX_API void rvxdbAbs2(const double *src, double *dst, int len);
+
+/* x * x. Complex: re = (re + im) * (re - im) and im = re * im + re * im, each sum
+ * and product rounded once.
+ * Checks: len below 1; vec (src) null; dst null. */
+RVX_API void rvxdbSqr1(double *vec, int len);
+RVX_API void rvxdbSqr2(const double *src, double *dst, int len);
+RVX_API void rvxzbSqr1(ZCplx *vec, int len);
+RVX_API void rvxzbSqr2(const ZCplx *src, ZCplx *dst, int len);
+
+/* relOp of the thresholds: every value but 0 lowers. */
+enum {
+    RVX_THRESH_RAISE = 0, /* elements below the threshold are raised to it */
+    RVX_THRESH_LOWER = 1  /* elements above it are lowered to it */
+};
+
+/* thresh where an element is below it (RVX_THRESH_RAISE) or above it, and the
+ * element elsewhere, bit for bit. What is below is said by bit pattern, as sign and
+ * magnitude: negative NaN, -inf, negative numbers, -0.0, +0.0, positive numbers,
+ * +inf, positive NaN. So -0.0 is raised to a threshold of +0.0, and a positive NaN is
+ * lowered to any number.
+ * Checks: len below 1; vec (src) null; dst null. */
+RVX_API void rvxdbThresh1(double *vec, int len, double thresh, int relOp);
+RVX_API void rvxdbThresh2(const double *src, double *dst, int len, double thresh, int relOp);
+
+/* Complex: brings the magnitude to thresh where it is below (RVX_THRESH_RAISE) or
+ * above it, and keeps the angle. With p = re^2 + im^2 and t = thresh^2, rounded to
+ * double and compared by bit pattern, both parts are multiplied by sqrt(t / p). An
+ * element to be raised whose p is zero or subnormal gets thresh as its real part and
+ * keeps its imaginary part. Magnitudes should be between about 1e-154 and 1e154. Of a
+ * NaN element, p has the NaN's sign: it is raised if negative and lowered if
+ * positive, which makes both parts NaN.
+ * Checks: len below 1; vec (src) null; dst null; thresh below 0.0 or NaN. */
+RVX_API void rvxzbThresh1(ZCplx *vec, int len, double thresh, int relOp);
+RVX_API void rvxzbThresh2(const ZCplx *src, ZCplx *dst, int len, double thresh, int relOp);
+
+/* 1 / x, correctly rounded, and at most 1 / thresh in magnitude: where |x| is at most
+ * thresh, r = 1 / thresh for x of 0.0, -0.0 and above, -r below 0.0 and for a NaN.
+ * With a thresh of zero or NaN a zero of either sign and a NaN give +inf, and are
+ * reported after the whole block is done.
+ * Checks: len below 1; vec (src) null; dst null; thresh below 0.0; after the work, an
+ * element that is zero or NaN and a thresh that is. */
+RVX_API void rvxdbInvThresh1(double *vec, int len, double thresh);
+RVX_API void rvxdbInvThresh2(const double *src, double *dst, int len, double thresh);
+
+/* Complex: re * d and -d * im, with d = 1 / (im^2 + re^2); where g = 1 / thresh^2 is
+ * below d, with sqrt(d * g) in d's place, so that the magnitude is at most 1 / thresh.
+ * All of this is rounded to double: magnitudes should be between about 1e-154 and
+ * 1e154.
+ *
+ * An element is zero when the high words of both parts are all zero (+0.0, and
+ * positive numbers below 2^-1042); thresh is when its high word is. A zero element
+ * gives (thresh * g, 0.0), or (+inf, 0.0) with a zero thresh, which is reported after
+ * the whole block is done. Of each four elements from the first one on, none of them
+ * zero, one that has a NaN part, or zero parts one of them -0.0, makes all four NaN.
+ * Checks: len below 1; vec (src) null; dst null; thresh below 0.0 or NaN; after the
+ * work, a zero element and a zero thresh. */
+RVX_API void rvxzbInvThresh1(ZCplx *vec, int len, double thresh);
+RVX_API void rvxzbInvThresh2(const ZCplx *src, ZCplx *dst, int len, double thresh);
+
 /* The square root, correctly rounded. A sign bit anywhere in the block, that of
  * -0.0 too, is reported after the whole block is done.
  *

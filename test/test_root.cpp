@@ -159,7 +159,7 @@ TEST(RealRoot, KnowsSpecialValuesAtEveryPosition)
 {
     Draw draw(2);
     for (double special : specialValues())
-        for (int n = 1; n <= 40; ++n)
+        for (int n = 1; n <= longestBlock; ++n)
             for (int at = 0; at < n; ++at) {
                 std::vector<double> src = draw.block(n, &Draw::ordinary);
                 for (double &x : src)
@@ -329,7 +329,7 @@ TEST(CplxRoot, KnowsSpecialValuesAtEveryPosition)
                 if (HasFatalFailure())
                     return;
             }
-    for (int n = 1; n <= 40; ++n)
+    for (int n = 1; n <= longestBlock; ++n)
         for (int at = 0; at < n; ++at)
             for (ZCplx special : {ZCplx{0.0, 0.0}, ZCplx{-4.0, -0.0}, ZCplx{INF, 1.0},
                                   ZCplx{1e-200, 1e-200}, ZCplx{1e200, -1e200}, ZCplx{1.0, QUIET}}) {

@@ -126,6 +126,11 @@ RVX_INLINE Lanes operator-(Lanes a, Lanes b)
     return {a.v - b.v};
 }
 
+RVX_INLINE Lanes operator-(Lanes a)
+{
+    return {-a.v};
+}
+
 RVX_INLINE Lanes operator*(Lanes a, Lanes b)
 {
     return {a.v * b.v};
@@ -397,6 +402,16 @@ RVX_INLINE LaneMask isEqual(Lanes a, Lanes b)
 RVX_INLINE LaneMask isBelow(Lanes a, Lanes b)
 {
     return {a.v < b.v};
+}
+
+RVX_INLINE LaneMask isAtMost(Lanes a, Lanes b)
+{
+    return {a.v <= b.v};
+}
+
+RVX_INLINE LaneMask isNan(Lanes a)
+{
+    return {a.v != a.v};
 }
 
 // a where the mask holds and b elsewhere

@@ -73,6 +73,36 @@ void digestForms(Digest &digest, void (*function)(const T *, T *, int, Further..
 
 } // namespace
 
+RVX_DIGEST(rvxdbSqr1)
+{
+    digestForms(digest, rvxdbSqr1);
+}
+
+RVX_DIGEST(rvxdbSqr2)
+{
+    digestForms(digest, rvxdbSqr2);
+}
+
+RVX_DIGEST(rvxzbSqr1)
+{
+    digestForms(digest, rvxzbSqr1);
+}
+
+RVX_DIGEST(rvxzbSqr2)
+{
+    digestForms(digest, rvxzbSqr2);
+}
+
+RVX_DIGEST(rvxdbAbs1)
+{
+    digestForms(digest, rvxdbAbs1);
+}
+
+RVX_DIGEST(rvxdbAbs2)
+{
+    digestForms(digest, rvxdbAbs2);
+}
+
 RVX_DIGEST(rvxdbSqrt1)
 {
     digestForms(digest, rvxdbSqrt1);
@@ -91,4 +121,56 @@ RVX_DIGEST(rvxzbSqrt1)
 RVX_DIGEST(rvxzbSqrt2)
 {
     digestForms(digest, rvxzbSqrt2);
+}
+
+RVX_DIGEST(rvxdbThresh1)
+{
+    for (int relOp : {RVX_THRESH_RAISE, RVX_THRESH_LOWER})
+        for (double thresh : {0.25, 0.0, -0.0, -0.25})
+            digestForms(digest, rvxdbThresh1, thresh, relOp);
+}
+
+RVX_DIGEST(rvxdbThresh2)
+{
+    for (int relOp : {RVX_THRESH_RAISE, RVX_THRESH_LOWER})
+        for (double thresh : {0.25, 0.0, -0.0, -0.25})
+            digestForms(digest, rvxdbThresh2, thresh, relOp);
+}
+
+RVX_DIGEST(rvxzbThresh1)
+{
+    for (int relOp : {RVX_THRESH_RAISE, RVX_THRESH_LOWER})
+        for (double thresh : {0.75, 0.0, 1e-160, 1e200})
+            digestForms(digest, rvxzbThresh1, thresh, relOp);
+}
+
+RVX_DIGEST(rvxzbThresh2)
+{
+    for (int relOp : {RVX_THRESH_RAISE, RVX_THRESH_LOWER})
+        for (double thresh : {0.75, 0.0, 1e-160, 1e200})
+            digestForms(digest, rvxzbThresh2, thresh, relOp);
+}
+
+RVX_DIGEST(rvxdbInvThresh1)
+{
+    for (double thresh : {0.0, 0.25, 1e-160, 1e200})
+        digestForms(digest, rvxdbInvThresh1, thresh);
+}
+
+RVX_DIGEST(rvxdbInvThresh2)
+{
+    for (double thresh : {0.0, 0.25, 1e-160, 1e200})
+        digestForms(digest, rvxdbInvThresh2, thresh);
+}
+
+RVX_DIGEST(rvxzbInvThresh1)
+{
+    for (double thresh : {0.0, 0.25, 1e-160, 1e200})
+        digestForms(digest, rvxzbInvThresh1, thresh);
+}
+
+RVX_DIGEST(rvxzbInvThresh2)
+{
+    for (double thresh : {0.0, 0.25, 1e-160, 1e200})
+        digestForms(digest, rvxzbInvThresh2, thresh);
 }

@@ -21,10 +21,14 @@
 constexpr double INF = std::numeric_limits<double>::infinity();
 constexpr double QUIET = std::numeric_limits<double>::quiet_NaN();
 
+// How many random blocks, and the lengths of blocks that have one special element at
+// each position in turn.
 #ifdef RVX_TEST_SANITIZED
 constexpr int patternBlocks = 2000;
+constexpr int longestBlock = 13;
 #else
 constexpr int patternBlocks = 25000;
+constexpr int longestBlock = 40;
 #endif
 
 inline double fromBits(std::uint64_t bits)
