@@ -408,6 +408,71 @@ RVX_API void rvxdbNormalize(const double *src, double *dst, int n, double offset
 RVX_API void rvxzbNormalize(const ZCplx *src, ZCplx *dst, int n, ZCplx offset, double factor);
 
 /* ---------------------------------------------------------------------------
+ * Elementary functions of blocks
+ *
+ * In place (1), or from a block or two into another (2, 3); dst may be a source.
+ * Elements are worked on in groups that share one division, so the last bit of a
+ * result may depend on its neighbours and on its place. What special values become
+ * is told below and differs from the C library's functions.
+ * ------------------------------------------------------------------------- */
+
+/* The arctangent of each element, within 2.6 units in the last place. An infinity
+ * gives +-pi/2, and so does a signalling NaN; of a quiet NaN the upper 32 bits are
+ * kept and the lower cleared. Groups of four are formed from the end of the block,
+ * past infinities and NaNs; before the first of them is begun, a negative quiet NaN
+ * becomes -pi/2. What remains of a block of 4 or more when fewer than four elements
+ * are left is exact to half a unit, and a NaN there stays one.
+ * Checks: vec (src, dst) null; len below 1. */
+RVX_API void rvxdbArctan1(double *vec, int len);
+RVX_API void rvxdbArctan2(const double *src, double *dst, int len);
+
+/* Division: dst[i] = dst[i] * (1 / val), with the reciprocal rounded once;
+ * dst[i] = dst[i] / src[i]; dst[i] = srcA[i] / srcB[i], correctly rounded. A divisor
+ * that is zero or a NaN gives the largest number, 1.8e308, with the sign of the
+ * numerator; but where the numerator is zero or a NaN too, forms 1 and 2 leave it
+ * and form 3 gives 0.0. After the whole block has been written this is reported as
+ * "(Divide_by_Zero)", in mode 0 as well.
+ * Checks: src, srcA null; srcB null; dst null; n below 1.
+ * Result: 0; -9 divided by zero; -10 a pointer is null; -11 n below 1. The status is
+ * RVX_STATUS_BAD_ARGUMENT in the last three cases. */
+RVX_API int rvxdbDiv1(double val, double *dst, int n);
+RVX_API int rvxdbDiv2(const double *src, double *dst, int n);
+RVX_API int rvxdbDiv3(const double *srcA, const double *srcB, double *dst, int n);
+
+/* The natural logarithm of each element, within 0.9 units in the last place. Pairs
+ * are formed from the beginning of the block. In a pair +0.0 gives -inf, whatever has
+ * its sign bit set, -0.0 and negative NaNs included, a NaN; +inf counts as 2^1024
+ * and gives 709.78, a positive NaN about as much, and a subnormal number counts as
+ * if it had a hidden bit: 2^-1023 and more. The last element of a block of odd length
+ * is exact to half a unit instead: there both zeros give -inf, a negative number
+ * gives a NaN, and +inf, NaNs and subnormal numbers are taken for what they are.
+ * Rounding is to nearest whatever is set, and no exception flag is raised.
+ * Checks: len below 1; vec (src, dst) null. */
+RVX_API void rvxdbLn1(double *vec, int len);
+RVX_API void rvxdbLn2(const double *src, double *dst, int len);
+
+/* e to the power of each element, within 2.1 units in the last place. 1.0 up to about
+ * 1.08e-19 in magnitude; 0.0 at and below -708.3935546875 and for negative NaNs; +inf
+ * at and above 709.7822265625 and for positive NaNs, and in practice from 709.44 on,
+ * since 2^1024 is a factor of the result there. The others form pairs from the end of
+ * the block. If one of them is left without a partner, it is exact to half a unit, but
+ * 0.0 from 708.3935546875 in magnitude on, also where it is positive.
+ * Rounding is to nearest whatever is set, and no exception flag is raised.
+ * Checks: len below 1; vec (src, dst) null. */
+RVX_API void rvxdbExp1(double *vec, int len);
+RVX_API void rvxdbExp2(const double *src, double *dst, int len);
+
+/* The common logarithm of each element: its natural logarithm times log10(e), each
+ * rounded, within 1.9 units in the last place. Groups of four are formed from the end of
+ * the block and treat special values as the pairs of the natural logarithm do; what is
+ * left at its beginning, at most three elements, is treated as the last element of
+ * an odd block is there.
+ * Rounding is to nearest whatever is set, and no exception flag is raised.
+ * Checks: len below 1; vec (src, dst) null. */
+RVX_API void rvxdbLg1(double *vec, int len);
+RVX_API void rvxdbLg2(const double *src, double *dst, int len);
+
+/* ---------------------------------------------------------------------------
  * Fourier transforms
  *
  * N = 2^order. Flags are or-ed into one word; other bits are ignored.

@@ -316,6 +316,19 @@ RVX_INLINE Lanes withSignOf(Lanes a, Lanes b)
     return {(RvxVector)(((RvxBits)a.v & INT64_MAX) | ((RvxBits)b.v & INT64_MIN))};
 }
 
+// (a0, b1, c2, d3)
+RVX_INLINE Lanes diagonalLanes(Lanes a, Lanes b, Lanes c, Lanes d)
+{
+    return outerHalves(blendOdd(a, b), blendOdd(c, d));
+}
+
+// (ai, ai, ai, ai)
+template <int i>
+RVX_INLINE Lanes laneEverywhere(Lanes a)
+{
+    return {__builtin_shufflevector(a.v, a.v, i, i, i, i)};
+}
+
 // x where it is strictly above m and m elsewhere, so that a NaN in x is passed
 // over; minLanes likewise. One instruction.
 RVX_INLINE Lanes maxLanes(Lanes m, Lanes x)
