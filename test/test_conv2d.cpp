@@ -15,6 +15,7 @@
 #include "support/conv2d.h"
 #include "support/guarded.h"
 #include "support/reports.h"
+#include "support/walled.h"
 #include "support/worse.h"
 
 namespace {
@@ -221,6 +222,34 @@ TEST(Conv2DBits, OfTheDirectSumOverLargeMatrices)
                 expectBits(cols, rows, kernelCols, kernelRows, seed);
                 expectBits(kernelCols, kernelRows, cols, rows, seed + 7);
             }
+}
+
+// Every array touches memory that may not be used, on one side or the other.
+void expectBitsBetweenWalls(int xCols, int xRows, int hCols, int hRows)
+{
+    const Grid x = noise(xCols, xRows, 3), h = noise(hCols, hRows, 4);
+    const std::vector<double> wanted = reference2d(x, h);
+    for (Wall wall : {Wall::before, Wall::behind}) {
+        Walled<double> xs(x.values, wall), hs(h.values, wall);
+        Walled<double> y(std::vector<double>(outputsOf(x, h), RVX_UNWRITTEN), wall);
+        rvxdConv2D(xs.data(), xCols, xRows, hs.data(), hCols, hRows, y.data());
+        ASSERT_TRUE(sameBits(y.values(), wanted)) << describe(x, h, y.values(), wanted);
+    }
+}
+
+// Tiles are 8 columns by 4 rows for kernels of three rows, else 24 by 2. They begin
+// behind the left margin, which is as wide as the kernel but one.
+TEST(Conv2DBits, OfTheDirectSumWhereTilesBeginAndEndBetweenWalls)
+{
+    for (int hRows : {1, 2, 3, 4, 7})
+        for (int hCols : {1, 2, 3, 6, 7}) {
+            const int tile = hRows == 3 ? 8 : 24;
+            for (int middle : {tile - 1, tile, tile + 1, 2 * tile - 1, 2 * tile, 2 * tile + 1})
+                for (int xRows = 1; xRows <= 9; ++xRows)
+                    expectBitsBetweenWalls(hCols - 1 + middle, xRows, hCols, hRows);
+        }
+    for (int cols = 1; cols <= 16; ++cols)
+        expectBitsBetweenWalls(cols, 16, 16, 3 + 13 * (cols % 2));
 }
 
 TEST(Conv2DBits, OfOneTransform)

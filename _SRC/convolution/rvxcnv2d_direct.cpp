@@ -28,14 +28,14 @@ struct Pair {
 // over. Each coefficient stands with the one below it.
 struct Coefficients {
     Pair pair[RVX_WALKED_MAX * RVX_WALKED_MAX];
+    double spread[3 * RVX_WALKED_MAX][4]; // each in four lanes, where columns have three
     std::int64_t rows;
     std::int64_t cols;
     bool plain; // all are finite and none is zero
 };
 
-Coefficients columnsOf(Matrix b)
+void setColumns(Coefficients &k, Matrix b)
 {
-    Coefficients k = {};
     k.rows = b.rows;
     k.cols = b.cols;
     k.plain = true;
@@ -46,13 +46,31 @@ Coefficients columnsOf(Matrix b)
             pair->upper = std::isnan(value) ? 0.0 : value;
             if (r > 0)
                 pair[-1].lower = pair->upper;
+            if (b.rows == 3)
+                std::fill_n(k.spread[c * 3 + r], 4, pair->upper);
             k.plain = k.plain && std::isfinite(value) && value != 0.0;
         }
-    return k;
 }
 
 // ---------------------------------------------------------------------------
 // One tile
+
+// Rows of A. at(k) is the value that the first coefficient of all meets in row k of the
+// tile, in its first output; rows above the tile's count from -1 on.
+struct InnerRows {
+    const double *a;
+    std::int64_t stride;
+
+    RVX_INLINE const double *at(std::int64_t k) const { return a + k * stride; }
+};
+
+// The same where some rows are not A's but zeros that stand elsewhere.
+struct EdgeRows {
+    const double *row[RVX_WALKED_MAX + 3];
+    std::int64_t above;
+
+    RVX_INLINE const double *at(std::int64_t k) const { return row[above + k]; }
+};
 
 template <int tileRows, int vectors>
 struct TileSums {
@@ -83,71 +101,75 @@ struct LowTile {
         }
     }
 
-    // All that one column of coefficients gives, where `a` is the value that meets the
-    // first of them in the tile's first output. Rows are walked upwards, so that each
+    // All that column c of the coefficients gives. Rows are walked upwards, so that each
     // output takes its coefficients downwards.
-    static RVX_INLINE void addColumn(Sums &sums, const double *a, std::int64_t stride,
-                                     const Pair *pair, std::int64_t count)
+    template <typename Rows>
+    static RVX_INLINE void addColumn(Sums &sums, const Rows &a, const Coefficients &k,
+                                     std::int64_t c)
     {
-        addToRow<vectors>(sums.row[1], a + stride, pair->upper);
-        for (std::int64_t r = 0; r < count - 1; ++r)
-            addToBoth(sums, a - r * stride, pair[r]);
-        addToRow<vectors>(sums.row[0], a - (count - 1) * stride, pair[count - 1].upper);
+        const Pair *pair = k.pair + c * k.rows;
+        addToRow<vectors>(sums.row[1], a.at(1) - c, pair->upper);
+        for (std::int64_t r = 0; r < k.rows - 1; ++r)
+            addToBoth(sums, a.at(-r) - c, pair[r]);
+        addToRow<vectors>(sums.row[0], a.at(1 - k.rows) - c, pair[k.rows - 1].upper);
     }
 };
 
-// Four rows of 12 outputs, for columns of three coefficients, which stay in registers.
+// Four rows of 8 outputs, for columns of three coefficients: all stay in registers.
 struct HighTile {
-    static constexpr int rows = 4, cols = 12, vectors = cols / 4;
+    static constexpr int rows = 4, cols = 8, vectors = cols / 4;
     using Sums = TileSums<rows, vectors>;
 
-    // Row k of A, counted from the tile's first one.
-    template <int k>
-    static RVX_INLINE void addRow(Sums &sums, const double *a, std::int64_t stride, Lanes first,
-                                  Lanes second, Lanes third)
+    // Four values of row r of A, counted from the tile's first one.
+    template <int r>
+    static RVX_INLINE void addRow(Sums &sums, int v, const double *a, Lanes first, Lanes second,
+                                  Lanes third)
     {
-        for (int v = 0; v < vectors; ++v) {
-            const Lanes values = loadLanesOnce(a + k * stride + 4 * v);
-            if constexpr (k >= 0)
-                sums.row[k][v] = sums.row[k][v] + values * first;
-            if constexpr (k >= -1 && k < rows - 1)
-                sums.row[k + 1][v] = sums.row[k + 1][v] + values * second;
-            if constexpr (k < rows - 2)
-                sums.row[k + 2][v] = sums.row[k + 2][v] + values * third;
-        }
+        const Lanes values = loadLanes(a + 4 * v);
+        if constexpr (r >= 0)
+            sums.row[r][v] = sums.row[r][v] + values * first;
+        if constexpr (r >= -1 && r < rows - 1)
+            sums.row[r + 1][v] = sums.row[r + 1][v] + values * second;
+        if constexpr (r < rows - 2)
+            sums.row[r + 2][v] = sums.row[r + 2][v] + values * third;
     }
 
-    static RVX_INLINE void addColumn(Sums &sums, const double *a, std::int64_t stride,
-                                     const Pair *pair, std::int64_t)
+    template <typename Rows>
+    static RVX_INLINE void addColumn(Sums &sums, const Rows &a, const Coefficients &k,
+                                     std::int64_t c)
     {
-        const Lanes first = allLanes(pair[0].upper), second = allLanes(pair[1].upper);
-        const Lanes third = allLanes(pair[2].upper);
-        addRow<3>(sums, a, stride, first, second, third);
-        addRow<2>(sums, a, stride, first, second, third);
-        addRow<1>(sums, a, stride, first, second, third);
-        addRow<0>(sums, a, stride, first, second, third);
-        addRow<-1>(sums, a, stride, first, second, third);
-        addRow<-2>(sums, a, stride, first, second, third);
+        const Lanes first = loadLanesOnce(k.spread[3 * c]);
+        const Lanes second = loadLanesOnce(k.spread[3 * c + 1]);
+        const Lanes third = loadLanesOnce(k.spread[3 * c + 2]);
+        for (int v = 0; v < vectors; ++v) {
+            addRow<3>(sums, v, a.at(3) - c, first, second, third);
+            addRow<2>(sums, v, a.at(2) - c, first, second, third);
+            addRow<1>(sums, v, a.at(1) - c, first, second, third);
+            addRow<0>(sums, v, a.at(0) - c, first, second, third);
+            addRow<-1>(sums, v, a.at(-1) - c, first, second, third);
+            addRow<-2>(sums, v, a.at(-2) - c, first, second, third);
+        }
     }
 };
 
-// The tile of outputs whose first one has its first product at `a`.
-template <typename Tile>
-RVX_INLINE typename Tile::Sums tileSums(const double *a, std::int64_t stride, const Coefficients &k)
+template <typename Tile, typename Rows>
+RVX_INLINE typename Tile::Sums tileSums(const Rows &a, const Coefficients &k, std::int64_t kCols)
 {
     typename Tile::Sums sums;
     for (int r = 0; r < Tile::rows; ++r)
         for (int v = 0; v < Tile::vectors; ++v)
             sums.row[r][v] = allLanes(0.0);
-    for (std::int64_t c = 0; c < k.cols; ++c)
-        Tile::addColumn(sums, a - c, stride, k.pair + c * k.rows, k.rows);
+    for (std::int64_t c = 0; c < kCols; ++c)
+        Tile::addColumn(sums, a, k, c);
     return sums;
 }
 
+// The first `count` rows.
 template <int tileRows, int vectors>
-RVX_INLINE void storeTile(const TileSums<tileRows, vectors> &sums, double *y, std::int64_t stride)
+RVX_INLINE void storeTile(const TileSums<tileRows, vectors> &sums, double *y, std::int64_t stride,
+                          std::int64_t count = tileRows)
 {
-    for (int r = 0; r < tileRows; ++r)
+    for (int r = 0; r < tileRows && r < count; ++r)
         for (int v = 0; v < vectors; ++v)
             storeLanes(y + r * stride + 4 * v, sums.row[r][v]);
 }
@@ -189,92 +211,209 @@ double oneOutput(const Sum &sum, std::int64_t row, std::int64_t col)
     return output;
 }
 
-// What of the tile at (row, col) lies in y, output by output.
-void tileByOutputs(const Sum &sum, std::int64_t row, std::int64_t col, std::int64_t tileRows,
-                   std::int64_t tileCols)
+// `rows` by `cols` outputs from (row, col) on, one by one.
+void someOutputs(const Sum &sum, std::int64_t row, std::int64_t col, std::int64_t rows,
+                 std::int64_t cols)
 {
-    for (std::int64_t r = row; r < std::min(row + tileRows, sum.yRows); ++r)
-        for (std::int64_t c = col; c < std::min(col + tileCols, sum.yCols); ++c)
+    for (std::int64_t r = row; r < row + rows; ++r)
+        for (std::int64_t c = col; c < col + cols; ++c)
             sum.y[r * sum.yCols + c] = oneOutput(sum, r, c);
 }
 
-// All values of A that count in the tile at (row, col), zeros where there are none.
+// A band is a row of tiles. All of its outputs whose products lie between A's left and
+// right edges come straight from A; a row above or below A reads as zeros. Products with
+// zeros add nothing to sums, which are never -0.0.
 template <typename Tile>
-struct Patch {
-    static constexpr std::int64_t stride = RVX_WALKED_MAX - 1 + Tile::cols;
-    double value[(RVX_WALKED_MAX - 1 + Tile::rows) * stride];
+RVX_INLINE EdgeRows edgeRows(const Sum &sum, std::int64_t row, std::int64_t col)
+{
+    static const double zeros[RVX_WALKED_MAX - 1 + Tile::cols] = {};
+    EdgeRows rows;
+    rows.above = sum.b.rows - 1;
+    for (std::int64_t k = -rows.above; k < Tile::rows; ++k) {
+        const bool inA = row + k >= 0 && row + k < sum.a.rows;
+        rows.row[rows.above + k] =
+            inA ? sum.a.data + (row + k) * sum.a.cols + col : zeros + sum.b.cols - 1;
+    }
+    return rows;
+}
+
+// All rows of the tiles lie in y, and all that they need in A. The last tile ends with
+// A, and counts outputs again that the one before it has.
+template <typename Tile>
+RVX_INLINE void innerBand(const Sum &sum, std::int64_t row)
+{
+    // For all that a compiler knows a store may change these, so the loops have copies.
+    const Coefficients &k = *sum.coefficients;
+    const std::int64_t stride = sum.a.cols, yStride = sum.yCols, kCols = k.cols;
+    const double *a = sum.a.data + row * stride;
+    double *y = sum.y + row * yStride;
+    const std::int64_t first = kCols - 1, last = stride - Tile::cols;
+    if (k.plain) {
+        for (std::int64_t col = first; col < last; col += Tile::cols)
+            storeTile(tileSums<Tile>(InnerRows{a + col, stride}, k, kCols), y + col, yStride);
+        storeTile(tileSums<Tile>(InnerRows{a + last, stride}, k, kCols), y + last, yStride);
+        return;
+    }
+    for (std::int64_t next = first; next < stride; next += Tile::cols) {
+        const std::int64_t col = std::min(next, last);
+        const auto sums = tileSums<Tile>(InnerRows{a + col, stride}, k, kCols);
+        if (allFinite(sums))
+            storeTile(sums, y + col, yStride);
+        else // a coefficient of zero may have met an infinity or a NaN
+            someOutputs(sum, row, col, Tile::rows, Tile::cols);
+    }
+}
+
+template <typename Tile>
+RVX_INLINE void edgeBand(const Sum &sum, std::int64_t row)
+{
+    const std::int64_t last = sum.a.cols - Tile::cols;
+    const std::int64_t count = std::min<std::int64_t>(Tile::rows, sum.yRows - row);
+    for (std::int64_t next = sum.b.cols - 1; next < sum.a.cols; next += Tile::cols) {
+        const std::int64_t col = std::min(next, last);
+        const auto sums =
+            tileSums<Tile>(edgeRows<Tile>(sum, row, col), *sum.coefficients, sum.b.cols);
+        if (sum.coefficients->plain || allFinite(sums))
+            storeTile(sums, sum.y + row * sum.yCols + col, sum.yCols, count);
+        else
+            someOutputs(sum, row, col, count, Tile::cols);
+    }
+}
+
+// ---------------------------------------------------------------------------
+// The left and the right margin
+
+// A without its middle, for the rows of one band: zeros, the first `head` columns, the
+// last `tail` ones, zeros. The outputs of both margins are among its own. Where A is
+// narrow all of it is head and there is no tail.
+template <typename Tile>
+struct Margins {
+    static constexpr std::int64_t widest = RVX_WALKED_MAX - 1;
+    static constexpr std::int64_t stride = 3 * widest + 2 * Tile::cols;
+    double value[(widest + Tile::rows) * stride];
+    double output[Tile::rows * stride];
+    std::int64_t head;
+    std::int64_t tail;
+};
+
+// Few values: a call would take longer than they do.
+RVX_INLINE void copyFew(const double *src, double *dst, std::int64_t n)
+{
+    for (std::int64_t i = 0; i < n; ++i)
+        dst[i] = *static_cast<const volatile double *>(src + i);
+}
+
+template <typename Tile>
+RVX_INLINE bool hasMiddle(const Sum &sum)
+{
+    return sum.a.cols >= sum.b.cols - 1 + Tile::cols;
+}
+
+template <typename Tile>
+RVX_INLINE void setMargins(Margins<Tile> &margins, const Sum &sum)
+{
+    margins.head = hasMiddle<Tile>(sum) ? sum.b.cols - 1 : sum.a.cols;
+    margins.tail = hasMiddle<Tile>(sum) ? sum.b.cols - 1 : 0;
+    std::fill_n(margins.value, (sum.b.rows - 1 + Tile::rows) * margins.stride, 0.0);
+}
+
+template <typename Tile>
+RVX_INLINE void loadMargins(Margins<Tile> &margins, const Sum &sum, std::int64_t row)
+{
+    double *to = margins.value + sum.b.cols - 1;
+    for (std::int64_t r = row - sum.b.rows + 1; r < row + Tile::rows; ++r) {
+        if (r >= 0 && r < sum.a.rows) {
+            const double *from = sum.a.data + r * sum.a.cols;
+            copyFew(from, to, margins.head);
+            copyFew(from + sum.a.cols - margins.tail, to + margins.head, margins.tail);
+        } else {
+            std::fill_n(to, margins.head + margins.tail, 0.0);
+        }
+        to += margins.stride;
+    }
+}
+
+// Both margins of the band from `row` on, or all of it where A has no middle.
+template <typename Tile>
+RVX_INLINE void sumMargins(Margins<Tile> &margins, const Sum &sum, std::int64_t row)
+{
+    loadMargins(margins, sum, row);
+    const std::int64_t kept = margins.head + margins.tail, right = sum.b.cols - 1;
+    const double *first = margins.value + (sum.b.rows - 1) * margins.stride + sum.b.cols - 1;
+    bool good = true;
+    std::int64_t col = 0;
+    do {
+        const auto sums =
+            tileSums<Tile>(InnerRows{first + col, margins.stride}, *sum.coefficients, sum.b.cols);
+        good = good && (sum.coefficients->plain || allFinite(sums));
+        storeTile(sums, margins.output + col, margins.stride);
+        col += Tile::cols;
+    } while (col < kept + right);
+    const std::int64_t count = std::min<std::int64_t>(Tile::rows, sum.yRows - row);
+    if (!good) {
+        someOutputs(sum, row, 0, count, margins.head);
+        someOutputs(sum, row, sum.a.cols, count, right);
+        return;
+    }
+    for (std::int64_t r = 0; r < count; ++r) {
+        const double *from = margins.output + r * margins.stride;
+        double *to = sum.y + (row + r) * sum.yCols;
+        copyFew(from, to, margins.head);
+        copyFew(from + kept, to + sum.a.cols, right);
+    }
+}
+
+// ---------------------------------------------------------------------------
+// All bands
+
+RVX_KERNEL void conv2dLowInner(const Sum &sum, std::int64_t row)
+{
+    innerBand<LowTile>(sum, row);
+}
+
+RVX_KERNEL void conv2dLowEdge(const Sum &sum, std::int64_t row)
+{
+    edgeBand<LowTile>(sum, row);
+}
+
+RVX_KERNEL void conv2dLowMargins(Margins<LowTile> &margins, const Sum &sum, std::int64_t row)
+{
+    sumMargins(margins, sum, row);
+}
+
+RVX_KERNEL void conv2dHighInner(const Sum &sum, std::int64_t row)
+{
+    innerBand<HighTile>(sum, row);
+}
+
+RVX_KERNEL void conv2dHighEdge(const Sum &sum, std::int64_t row)
+{
+    edgeBand<HighTile>(sum, row);
+}
+
+RVX_KERNEL void conv2dHighMargins(Margins<HighTile> &margins, const Sum &sum, std::int64_t row)
+{
+    sumMargins(margins, sum, row);
+}
+
+template <typename Tile>
+struct Kernels {
+    void (*inner)(const Sum &sum, std::int64_t row);
+    void (*edge)(const Sum &sum, std::int64_t row);
+    void (*margins)(Margins<Tile> &margins, const Sum &sum, std::int64_t row);
 };
 
 template <typename Tile>
-RVX_INLINE void fillPatch(Patch<Tile> &patch, const Sum &sum, std::int64_t row, std::int64_t col)
+void sumBands(const Sum &sum, Kernels<Tile> kernel)
 {
-    constexpr std::int64_t stride = Patch<Tile>::stride;
-    const std::int64_t top = row - sum.b.rows + 1, left = col - sum.b.cols + 1;
-    const std::int64_t high = sum.b.rows - 1 + Tile::rows;
-    const std::int64_t wide = sum.b.cols - 1 + Tile::cols;
-    std::fill_n(patch.value, high * stride, 0.0);
-    const std::int64_t from = std::max<std::int64_t>(0, -left);
-    const std::int64_t end = std::min(wide, sum.a.cols - left);
-    const std::int64_t rowsEnd = std::min(high, sum.a.rows - top);
-    for (std::int64_t r = std::max<std::int64_t>(0, -top); r < rowsEnd; ++r)
-        std::copy(sum.a.data + (top + r) * sum.a.cols + left + from,
-                  sum.a.data + (top + r) * sum.a.cols + left + end,
-                  patch.value + r * stride + from);
-}
-
-// A tile that reaches beyond y or needs values beyond A. Products with zeros add
-// nothing to sums, which are never -0.0.
-template <typename Tile>
-RVX_INLINE void edgeTile(const Sum &sum, std::int64_t row, std::int64_t col)
-{
-    constexpr std::int64_t stride = Patch<Tile>::stride;
-    Patch<Tile> patch;
-    fillPatch(patch, sum, row, col);
-    const auto sums = tileSums<Tile>(patch.value + (sum.b.rows - 1) * stride + sum.b.cols - 1,
-                                     stride, *sum.coefficients);
-    if (!sum.coefficients->plain && !allFinite(sums)) {
-        tileByOutputs(sum, row, col, Tile::rows, Tile::cols);
-        return;
-    }
-    double tile[Tile::rows * Tile::cols];
-    storeTile(sums, tile, Tile::cols);
-    const std::int64_t wide = std::min<std::int64_t>(Tile::cols, sum.yCols - col);
-    for (std::int64_t r = 0; r < std::min<std::int64_t>(Tile::rows, sum.yRows - row); ++r)
-        std::copy_n(tile + r * Tile::cols, wide, sum.y + (row + r) * sum.yCols + col);
-}
-
-template <typename Tile>
-RVX_INLINE void innerTile(const Sum &sum, std::int64_t row, std::int64_t col)
-{
-    const auto sums =
-        tileSums<Tile>(sum.a.data + row * sum.a.cols + col, sum.a.cols, *sum.coefficients);
-    if (sum.coefficients->plain || allFinite(sums))
-        storeTile(sums, sum.y + row * sum.yCols + col, sum.yCols);
-    else // a coefficient of zero may have met an infinity or a NaN
-        tileByOutputs(sum, row, col, Tile::rows, Tile::cols);
-}
-
-template <typename Tile>
-RVX_INLINE void sumTiles(const Sum &sum)
-{
+    Margins<Tile> margins;
+    setMargins(margins, sum);
     for (std::int64_t row = 0; row < sum.yRows; row += Tile::rows) {
-        const bool innerRows = row >= sum.b.rows - 1 && row + Tile::rows <= sum.a.rows;
-        for (std::int64_t col = 0; col < sum.yCols; col += Tile::cols)
-            if (innerRows && col >= sum.b.cols - 1 && col + Tile::cols <= sum.a.cols)
-                innerTile<Tile>(sum, row, col);
-            else
-                edgeTile<Tile>(sum, row, col);
+        const bool inner = row >= sum.b.rows - 1 && row + Tile::rows <= sum.a.rows;
+        if (hasMiddle<Tile>(sum))
+            (inner ? kernel.inner : kernel.edge)(sum, row);
+        kernel.margins(margins, sum, row);
     }
-}
-
-RVX_KERNEL void conv2dLowTiles(const Sum &sum)
-{
-    sumTiles<LowTile>(sum);
-}
-
-RVX_KERNEL void conv2dHighTiles(const Sum &sum)
-{
-    sumTiles<HighTile>(sum);
 }
 
 // ---------------------------------------------------------------------------
@@ -308,10 +447,11 @@ void rvxdConv2DDirect(Matrix x, Matrix h, double *y)
         conv2dByCoefficients(sum);
         return;
     }
-    const Coefficients coefficients = columnsOf(b);
+    Coefficients coefficients;
+    setColumns(coefficients, b);
     sum.coefficients = &coefficients;
     if (b.rows == 3)
-        conv2dHighTiles(sum);
+        sumBands<HighTile>(sum, {conv2dHighInner, conv2dHighEdge, conv2dHighMargins});
     else
-        conv2dLowTiles(sum);
+        sumBands<LowTile>(sum, {conv2dLowInner, conv2dLowEdge, conv2dLowMargins});
 }
