@@ -285,11 +285,16 @@ void registerComparisons()
           "tables as for two sequences.");
     limit(AUTO_COMPLEX, 0.6, "As for real samples, but for the tables, which stay.");
     limit(FEW, 0.8,
-          "Each sum is one chain of additions: three cycles for each sample. The peer adds in two "
-          "chains for each lag.");
+          "Each sum is one chain of additions, three cycles for each sample: 3.6 are taken. The "
+          "peer adds in two chains for each lag.");
     limit(FEW_COMPLEX, 0.8,
           "Two products, each rounded, and two additions for what the peer does with two fused "
           "operations: ten cycles for 16 lags where the pipes need eight.");
-    limit(FEW_REAL_FIRST, 0.8, "Loads of the second sequence, many of which cross cache lines.");
-    limit(FEW_COMPLEX_FIRST, 0.8, "Products and additions in equal numbers.");
+    limit(
+        FEW_REAL_FIRST, 0.8,
+        "Eight loads of the second sequence for each sample, a quarter of them across cache lines: "
+        "five cycles of the six that are taken.");
+    limit(FEW_COMPLEX_FIRST, 0.8,
+          "Eight products and eight additions for each sample: four cycles of the 5.4 that are "
+          "taken.");
 }
