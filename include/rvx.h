@@ -236,6 +236,43 @@ RVX_API void rvxzb2RealToCplx(const double *srcReal, const double *srcImag, ZCpl
  * Checks, the result before the source: length below 1; spectr null; src null. */
 RVX_API void rvxzbPowerSpectr(const ZCplx *src, double *spectr, int length);
 
+/* Magnitudes: mag[i] = sqrt(src[i].im * src[i].im + src[i].re * src[i].re) for 0 <= i <
+ * length, each operation rounded once, the squares not scaled, so that parts should lie
+ * between about 1e-150 and 1e154. mag may begin where src does, and must not overlap it
+ * otherwise.
+ *
+ * A length above 128 is taken in runs of 128, each by rvxzbPowerSpectr and then
+ * rvxdbSqrt2, and a last part shorter than a run as above. In ordinary values this does
+ * not show. Where a sum of squares is infinite or NaN, or subnormal, a run gives what
+ * rvxdbSqrt2 gives: a finite result, of 2^512 about or of 2^-511, but in the last two
+ * elements of the run; and a NaN whose sign bit is set is reported by rvxdbSqrt2, under
+ * its name, when its run is done.
+ * Checks, the result before the source: length below 1; mag null; src null. */
+RVX_API void rvxzbMag(const ZCplx *src, double *mag, int length);
+
+/* Angles: phase[i] = atan2(src[i].im, src[i].re) for 0 <= i < length, from -pi to pi,
+ * within 0.7 units in the last place for all arguments. Where src[i].im is zero of either
+ * sign or NaN: +pi if src[i].re is negative or NaN, else 0.0; so a real value never has
+ * -pi or -0.0. Else a src[i].re of NaN gives NaN. phase may begin where src does, and must
+ * not overlap it otherwise.
+ * Checks, the result before the source: length below 1; phase null; src null. */
+RVX_API void rvxzbPhase(const ZCplx *src, double *phase, int length);
+
+/* Magnitudes and angles for 0 <= i < length. Where src[i].im is zero of either sign or
+ * NaN: mag[i] = |src[i].re|, and phase[i] is +pi if src[i].re is negative, else 0.0; a
+ * src[i].re of NaN counts as zero there. Else mag[i] = sqrt(src[i].im * src[i].im +
+ * src[i].re * src[i].re), unscaled, and phase[i] as rvxzbPhase has it. mag or phase may
+ * begin where src does; blocks must not overlap otherwise.
+ * Checks: length below 1; src null; mag null; phase null. */
+RVX_API void rvxzbCartToPolar(const ZCplx *src, double *mag, double *phase, int length);
+
+/* dst[i].re = cos(phase[i]) * mag[i] and dst[i].im = sin(phase[i]) * mag[i] for 0 <= i <
+ * length. Sine and cosine are within 0.85 units in the last place for all arguments,
+ * however large; the products are rounded once. Infinite phases and NaNs give NaN. dst
+ * must not overlap a source.
+ * Checks: length below 1; mag null; phase null; dst null. */
+RVX_API void rvxzbPolarToCart(const double *mag, const double *phase, ZCplx *dst, int length);
+
 /* ---------------------------------------------------------------------------
  * Thresholds, absolute value, square, root
  *

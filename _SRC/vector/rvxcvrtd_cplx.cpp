@@ -12,6 +12,7 @@
 #include "frame/rvxlanes.h"
 #include "rvx.h"
 #include "vector/rvxarith.h"
+#include "vector/rvxcvrtd_polar.h"
 
 RVX_MODULE("rvxcvrtd")
 
@@ -153,6 +154,62 @@ RVX_KERNEL void joinImag(const double *im, ZCplx *dst, std::ptrdiff_t n)
     joinParts(NoPart{}, PartBlock{im}, dst, n);
 }
 
+// Magnitudes are made in runs of this length while more than one run is wanted.
+constexpr int RVX_MAGNITUDE_RUN = 128;
+
+struct Magnitude {
+    RVX_INLINE Lanes operator()(Lanes re, Lanes im) const { return sqrtLanes(im * im + re * re); }
+    RVX_INLINE double operator()(double re, double im) const
+    {
+        return __builtin_sqrt(im * im + re * re);
+    }
+};
+
+RVX_KERNEL void formMagnitudes(const ZCplx *src, double *mag, std::ptrdiff_t n)
+{
+    combineParts(src, mag, n, Magnitude{});
+}
+
+// The powers of a run and their roots. False where a power is subnormal, infinite or
+// NaN: then rvxdbSqrt2 has results of its own.
+RVX_KERNEL bool formRun(const ZCplx *src, double *power, double *mag)
+{
+    LaneMask ordinary = isEqual(allLanes(0.0), allLanes(0.0));
+    for (int i = 0; i < RVX_MAGNITUDE_RUN; i += 4) {
+        const Parts parts = partsOf(src + i);
+        const Lanes p = parts.im * parts.im + parts.re * parts.re;
+        const Lanes smallest = choose(isEqual(p, allLanes(0.0)), p, allLanes(0x1p-1022));
+        ordinary = ordinary & isAtMost(smallest, p) & isBelow(p, allLanes(HUGE_VAL));
+        storeLanes(power + i, p);
+        storeLanes(mag + i, sqrtLanes(p));
+    }
+    return everyLane(ordinary);
+}
+
+// mag[i] = |src[i]| for one run, as rvxzbPowerSpectr and then rvxdbSqrt2 would do.
+void findRun(const ZCplx *src, double *mag)
+{
+    alignas(32) double power[RVX_MAGNITUDE_RUN];
+    // The root leaves these two as they are if their powers have a sign.
+    constexpr int last = RVX_MAGNITUDE_RUN - 1;
+    const double before[] = {mag[last - 1], mag[last]};
+    if (formRun(src, power, mag))
+        return;
+    mag[last - 1] = before[0];
+    mag[last] = before[1];
+    rvxdbSqrt2(power, mag, RVX_MAGNITUDE_RUN);
+}
+
+void findMagnitudes(const ZCplx *src, double *mag, int length)
+{
+    int i = 0;
+    if (length > RVX_MAGNITUDE_RUN) {
+        for (; length - i >= RVX_MAGNITUDE_RUN; i += RVX_MAGNITUDE_RUN)
+            findRun(src + i, mag + i);
+    }
+    formMagnitudes(src + i, mag + i, length - i);
+}
+
 } // namespace
 
 void rvxzbReal(const ZCplx *src, double *dst, int length)
@@ -200,4 +257,40 @@ void rvxzbPowerSpectr(const ZCplx *src, double *spectr, int length)
     RVX_REJECT_IF(spectr == nullptr, "spectr==0"); // deliberate: the result before the source
     RVX_REJECT_IF(src == nullptr, "src==0");
     formPower(src, spectr, length);
+}
+
+void rvxzbCartToPolar(const ZCplx *src, double *mag, double *phase, int length)
+{
+    RVX_REJECT_IF(length <= 0, "length<=0");
+    RVX_REJECT_IF(src == nullptr, "src==0");
+    RVX_REJECT_IF(mag == nullptr, "mag==0");
+    RVX_REJECT_IF(phase == nullptr, "phase==0");
+    rvxSplitPolar(src, mag, phase, length);
+}
+
+void rvxzbPolarToCart(const double *mag, const double *phase, ZCplx *dst, int length)
+{
+    RVX_REJECT_IF(length <= 0, "length<=0");
+    RVX_REJECT_IF(mag == nullptr, "mag==0");
+    RVX_REJECT_IF(phase == nullptr, "phase==0");
+    RVX_REJECT_IF(dst == nullptr, "dst==0");
+    rvxJoinPolar(mag, phase, dst, length);
+}
+
+// The next two, as the power: the result before the source.
+
+void rvxzbMag(const ZCplx *src, double *mag, int length)
+{
+    RVX_REJECT_IF(length <= 0, "length<=0");
+    RVX_REJECT_IF(mag == nullptr, "mag==0");
+    RVX_REJECT_IF(src == nullptr, "src==0");
+    findMagnitudes(src, mag, length);
+}
+
+void rvxzbPhase(const ZCplx *src, double *phase, int length)
+{
+    RVX_REJECT_IF(length <= 0, "length<=0");
+    RVX_REJECT_IF(phase == nullptr, "phase==0");
+    RVX_REJECT_IF(src == nullptr, "src==0");
+    rvxFindPhases(src, phase, length);
 }

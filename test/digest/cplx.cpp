@@ -131,3 +131,46 @@ RVX_DIGEST(rvxzbPowerSpectr)
 {
     digestParts(digest, 510, rvxzbPowerSpectr);
 }
+
+RVX_DIGEST(rvxzbMag)
+{
+    digestParts(digest, 511, rvxzbMag);
+}
+
+RVX_DIGEST(rvxzbPhase)
+{
+    digestParts(digest, 512, rvxzbPhase);
+}
+
+RVX_DIGEST(rvxzbCartToPolar)
+{
+    FixedData data(513);
+    for (int n : lengths) {
+        std::vector<double> mag(static_cast<std::size_t>(n)), phase(mag);
+        for (const std::vector<ZCplx> &src : {cplxPatterns(data, n), data.cplxSamples(n)}) {
+            rvxzbCartToPolar(src.data(), mag.data(), phase.data(), n);
+            digest.add(mag);
+            digest.add(phase);
+        }
+    }
+}
+
+RVX_DIGEST(rvxzbPolarToCart)
+{
+    FixedData data(514);
+    for (int n : lengths) {
+        const std::vector<double> mag = data.samples(n);
+        std::vector<double> phase = data.samples(n), far(phase), any(phase);
+        for (double &x : phase)
+            x *= 4.0;
+        for (double &x : far)
+            x *= 0x1p20;
+        for (double &x : any)
+            x = data.pattern();
+        std::vector<ZCplx> dst(static_cast<std::size_t>(n));
+        for (const std::vector<double> &angles : {phase, far, any}) {
+            rvxzbPolarToCart(mag.data(), angles.data(), dst.data(), n);
+            digest.add(dst);
+        }
+    }
+}

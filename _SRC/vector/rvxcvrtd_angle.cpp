@@ -1,0 +1,323 @@
+// From cartesian to polar form: arctangents of quotients of whole blocks, four at a
+// time.
+//
+// With a and b the larger and the smaller magnitude of the two parts, b/a lies between 0
+// and 1, and atan(b/a) = atan(c) + atan((b - c a)/(a + c b)) with c of 0, 1/2 or 1 leaves
+// a quotient t of at most 1/4. One division serves: of t its upper 26 bits are kept and
+// the remainder, exact by T. J. Dekker's products (A floating-point technique for
+// extending the available precision, 1971), gives the rest. Errors stay below 0.7 units
+// in the last place for all arguments.
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+
+#include "frame/rvxkernel.h"
+#include "frame/rvxlanes.h"
+#include "vector/rvxcvrtd_polar.h"
+
+namespace {
+
+// atan(c) and multiples of pi, rounded to 50 bits behind the point, so that their sums
+// are exact, and what that leaves.
+constexpr double RVX_PI = 0x1.921fb54442d18p+1;
+constexpr double RVX_HALF_PI = 0x1.921fb54442d18p+0;
+constexpr double RVX_QUARTER_PI = 0x1.921fb54442d18p-1;
+constexpr double RVX_QUARTER_PI_REST = 0x1.1a62633145c07p-55;
+constexpr double RVX_ATAN_HALF = 0x1.dac670561bb50p-2;
+constexpr double RVX_ATAN_HALF_REST = -0x1.2ea406ee84d0fp-55;
+// What multiples of pi leave, over themselves.
+constexpr double RVX_PI_RELATIVE_REST = RVX_QUARTER_PI_REST / RVX_QUARTER_PI;
+
+// Quotients from which on c is 1/2, and 1. The first must not be below 1/4, or b - a/2
+// would round; the second lies half-way between the angles.
+constexpr double RVX_FROM_HALF = 0.25;
+constexpr double RVX_FROM_ONE = 0.7207592200561265;
+
+// atan t = t + t^3 (a0 + a1 t^2 + ...) for |t| up to 1/4: minimax polynomial by Remez'
+// exchange, relative error 2^-57.5.
+constexpr double RVX_ARCTANGENT[] = {
+    -0x1.55555555554c6p-2, 0x1.9999999975259p-3, -0x1.2492490b318f9p-3, 0x1.c71c60a9364bap-4,
+    -0x1.7459e37ee9aeep-4, 0x1.3ab9e1eed73dfp-4, -0x1.0b4d7e0fad1dfp-4, 0x1.7984bf9ee45e2p-5};
+
+// Between these magnitudes nothing on the way overflows or loses bits to underflow.
+constexpr double RVX_SMALLEST_IN_LANES = 0x1p-500;
+constexpr double RVX_LARGEST_IN_LANES = 0x1p500;
+
+RVX_INLINE Lanes upperBits(Lanes x)
+{
+    return maskBits(x, ~std::int64_t{0x7ffffff});
+}
+
+RVX_INLINE Lanes xorSign(Lanes a, RvxBits sign)
+{
+    return {(RvxVector)((RvxBits)a.v ^ sign)};
+}
+
+// a[0] + a[1] z + ... + a[7] z^7, in pairs that do not wait for one another.
+RVX_INLINE Lanes septic(const double (&a)[8], Lanes z)
+{
+    const Lanes z2 = z * z;
+    const Lanes p0 = allLanes(a[0]) + z * allLanes(a[1]);
+    const Lanes p1 = allLanes(a[2]) + z * allLanes(a[3]);
+    const Lanes p2 = allLanes(a[4]) + z * allLanes(a[5]);
+    const Lanes p3 = allLanes(a[6]) + z * allLanes(a[7]);
+    return (p0 + z2 * p1) + (z2 * z2) * (p2 + z2 * p3);
+}
+
+// Of the two magnitudes the larger is NaN where re is, the smaller where im is.
+//
+// atan2(im, re) where the larger magnitude is below RVX_LARGEST_IN_LANES and the smaller
+// not below RVX_SMALLEST_IN_LANES, or zero when the larger is not; NaN for NaNs.
+RVX_INLINE Lanes anglesOf(Lanes re, Lanes im)
+{
+    const Lanes across = absLanes(re);
+    const Lanes up = absLanes(im);
+    const LaneMask steep = isBelow(across, up);
+    const Lanes a = maxLanes(across, up);
+    const Lanes b = minLanes(up, across);
+
+    const LaneMask fromHalf = isAtMost(a * allLanes(RVX_FROM_HALF), b);
+    const LaneMask fromOne = isBelow(a * allLanes(RVX_FROM_ONE), b);
+    const Lanes half = allLanes(0.5);
+    const Lanes c = onlyWhere(fromHalf, half) + onlyWhere(fromOne, half);
+    const Lanes cb = c * b;
+    const Lanes divisor = a + cb;
+    const Lanes divisorRest = (a - divisor) + cb;
+    // Beyond the diagonal and beyond the imaginary axis angles run backwards.
+    const RvxBits sign = ((RvxBits)re.v ^ steep.b) & INT64_MIN;
+    const Lanes dividend = xorSign(b - c * a, sign);
+
+    const Lanes reciprocal = allLanes(1.0) / divisor;
+    const Lanes t = dividend * reciprocal;
+    const Lanes head = upperBits(t);
+    const Lanes divisorHead = upperBits(divisor);
+    const Lanes divisorTail = divisor - divisorHead;
+    const Lanes remainder =
+        ((dividend - head * divisorHead) - head * divisorTail) - head * divisorRest;
+    const Lanes tail = remainder * reciprocal;
+    const Lanes z = t * t;
+    const Lanes bend = (t * z) * septic(RVX_ARCTANGENT, z);
+
+    // The angle that t is counted from.
+    const Lanes axis =
+        choose(steep, allLanes(RVX_HALF_PI), onlyWhere(isSigned(re), allLanes(RVX_PI)));
+    const Lanes step =
+        choose(fromOne, allLanes(RVX_QUARTER_PI), onlyWhere(fromHalf, allLanes(RVX_ATAN_HALF)));
+    const Lanes stepRest = choose(fromOne, allLanes(RVX_QUARTER_PI_REST),
+                                  onlyWhere(fromHalf, allLanes(RVX_ATAN_HALF_REST)));
+    const Lanes base = axis + xorSign(step, sign);
+    const Lanes baseRest = axis * allLanes(RVX_PI_RELATIVE_REST) + xorSign(stepRest, sign);
+
+    const Lanes sum = base + head;
+    const Lanes sumRest = (base - sum) + head;
+    const Lanes angle = sum + (sumRest + (baseRest + (tail + bend)));
+    return withSignOf(angle, im);
+}
+
+// Four points in memory, where single ones are mended.
+struct PointBlock {
+    double re[4], im[4];
+};
+
+double timesPowerOfTwo(double x, int exponent)
+{
+    const std::uint64_t bits = static_cast<std::uint64_t>(exponent + 1023) << 52;
+    double power;
+    std::memcpy(&power, &bits, sizeof power);
+    return x * power;
+}
+
+// The exponent of a finite magnitude that is not zero.
+int exponentOf(double magnitude)
+{
+    const bool isSubnormal = magnitude < 0x1p-1022;
+    const double normal = isSubnormal ? magnitude * 0x1p54 : magnitude;
+    std::uint64_t bits;
+    std::memcpy(&bits, &normal, sizeof bits);
+    return static_cast<int>(bits >> 52) - (isSubnormal ? 1077 : 1023);
+}
+
+// Of a point off the real axis that is out of range for lanes, one in range on the same
+// ray. True where there is none to the last bit: next to the positive real axis, where
+// the angle is the quotient.
+bool mendPoint(double *re, double *im)
+{
+    double across = std::fabs(*re), up = std::fabs(*im);
+    const double infinity = HUGE_VAL;
+    if (across == infinity || up == infinity) {
+        across = across == infinity ? 1.0 : 0.0;
+        up = up == infinity ? 1.0 : 0.0;
+    } else {
+        // In two steps: the powers themselves must not leave the range.
+        const int exponent = -exponentOf(std::max(across, up));
+        const int first = exponent / 2;
+        across = timesPowerOfTwo(timesPowerOfTwo(across, first), exponent - first);
+        up = timesPowerOfTwo(timesPowerOfTwo(up, first), exponent - first);
+    }
+    if (across < RVX_SMALLEST_IN_LANES)
+        across = 0.0;
+    if (up < RVX_SMALLEST_IN_LANES) {
+        if (*re > 0.0)
+            return true;
+        up = 0.0;
+    }
+    *re = std::copysign(across, *re);
+    *im = std::copysign(up, *im);
+    return false;
+}
+
+// Puts points in range in place of all that are not, and quotients that stand for
+// angles into `quotients`, NaN where there is none. Points on the real axis, on which an
+// im of NaN counts as zero, are left to the caller.
+__attribute__((noinline)) void mendPoints(PointBlock *points, double *quotients)
+{
+    for (int i = 0; i < 4; ++i) {
+        const double re = points->re[i], im = points->im[i];
+        quotients[i] = NAN;
+        if (!(std::fabs(im) > 0.0))
+            points->re[i] = points->im[i] = 1.0;
+        else if (!std::isnan(re) && mendPoint(&points->re[i], &points->im[i])) {
+            quotients[i] = im / re;
+            points->re[i] = points->im[i] = 1.0;
+        }
+    }
+}
+
+// Where angles come out of the lanes as they are. Of the two extremes the larger one is
+// NaN where re is, the smaller one where im is.
+RVX_INLINE LaneMask inRange(Lanes re, Lanes im)
+{
+    const Lanes across = absLanes(re);
+    const Lanes up = absLanes(im);
+    return isAtMost(allLanes(RVX_SMALLEST_IN_LANES), minLanes(up, across)) &
+           isBelow(maxLanes(across, up), allLanes(RVX_LARGEST_IN_LANES));
+}
+
+RVX_INLINE LaneMask isOffAxis(Lanes im)
+{
+    return isBelow(allLanes(0.0), absLanes(im));
+}
+
+// The angle of a point on the real axis: pi where re is negative, else 0.
+enum class OnAxis { nanIsPositive, nanIsNegative };
+
+RVX_INLINE Lanes axisAngle(Lanes re, OnAxis rule)
+{
+    const Lanes zero = allLanes(0.0);
+    const LaneMask backwards =
+        rule == OnAxis::nanIsNegative ? ~isAtMost(zero, re) : isBelow(re, zero);
+    return onlyWhere(backwards, allLanes(RVX_PI));
+}
+
+RVX_INLINE Lanes anglesOfAny(Lanes re, Lanes im, OnAxis rule)
+{
+    PointBlock points;
+    double quotients[4];
+    storeLanes(points.re, re);
+    storeLanes(points.im, im);
+    mendPoints(&points, quotients);
+    const Lanes angle = anglesOf(loadLanes(points.re), loadLanes(points.im));
+    const Lanes quotient = loadLanes(quotients);
+    const Lanes offAxis = choose(isEqual(quotient, quotient), quotient, angle);
+    return choose(isOffAxis(im), offAxis, axisAngle(re, rule));
+}
+
+RVX_INLINE Lanes magnitudesOf(Lanes re, Lanes im)
+{
+    return sqrtLanes(im * im + re * re);
+}
+
+// On the real axis |re|, with 0.0 for a NaN.
+RVX_INLINE Lanes magnitudesOfAny(Lanes re, Lanes im)
+{
+    const Lanes onAxis = onlyWhere(isEqual(re, re), absLanes(re));
+    return choose(isOffAxis(im), magnitudesOf(re, im), onAxis);
+}
+
+struct Points {
+    Lanes re, im;
+};
+
+RVX_INLINE Points loadPoints(const ZCplx *src)
+{
+    const Lanes even = pairLoads(src, src + 2);
+    const Lanes odd = pairLoads(src + 1, src + 3);
+    return {evenLanes(even, odd), oddLanes(even, odd)};
+}
+
+RVX_INLINE void findFour(const ZCplx *src, double *phase)
+{
+    const Points z = loadPoints(src);
+    const bool isOrdinary = everyLane(inRange(z.re, z.im));
+    storeLanes(phase, __builtin_expect(isOrdinary, 1)
+                          ? anglesOf(z.re, z.im)
+                          : anglesOfAny(z.re, z.im, OnAxis::nanIsNegative));
+}
+
+RVX_INLINE void splitFour(const ZCplx *src, double *mag, double *phase)
+{
+    const Points z = loadPoints(src);
+    if (__builtin_expect(everyLane(inRange(z.re, z.im)), 1)) {
+        storeLanes(mag, magnitudesOf(z.re, z.im));
+        storeLanes(phase, anglesOf(z.re, z.im));
+    } else {
+        storeLanes(mag, magnitudesOfAny(z.re, z.im));
+        storeLanes(phase, anglesOfAny(z.re, z.im, OnAxis::nanIsPositive));
+    }
+}
+
+// The last elements, 1 to 3 of four; the others are ordinary.
+RVX_INLINE void copySome(const ZCplx *src, ZCplx *four, std::ptrdiff_t count)
+{
+    for (std::ptrdiff_t k = 0; k < 4; ++k)
+        four[k] = k < count ? src[k] : ZCplx{1.0, 1.0};
+}
+
+RVX_INLINE void copySome(const double *four, double *dst, std::ptrdiff_t count)
+{
+    for (std::ptrdiff_t k = 0; k < count; ++k)
+        dst[k] = four[k];
+}
+
+RVX_KERNEL void findPhaseBlock(const ZCplx *src, double *phase, std::ptrdiff_t n)
+{
+    std::ptrdiff_t i = 0;
+    for (; n - i >= 4; i += 4)
+        findFour(src + i, phase + i);
+    if (i < n) {
+        ZCplx points[4];
+        double phases[4];
+        copySome(src + i, points, n - i);
+        findFour(points, phases);
+        copySome(phases, phase + i, n - i);
+    }
+}
+
+RVX_KERNEL void splitPolarBlock(const ZCplx *src, double *mag, double *phase, std::ptrdiff_t n)
+{
+    std::ptrdiff_t i = 0;
+    for (; n - i >= 4; i += 4)
+        splitFour(src + i, mag + i, phase + i);
+    if (i < n) {
+        ZCplx points[4];
+        double mags[4], phases[4];
+        copySome(src + i, points, n - i);
+        splitFour(points, mags, phases);
+        copySome(mags, mag + i, n - i);
+        copySome(phases, phase + i, n - i);
+    }
+}
+
+} // namespace
+
+void rvxFindPhases(const ZCplx *src, double *phase, std::ptrdiff_t n)
+{
+    findPhaseBlock(src, phase, n);
+}
+
+void rvxSplitPolar(const ZCplx *src, double *mag, double *phase, std::ptrdiff_t n)
+{
+    splitPolarBlock(src, mag, phase, n);
+}

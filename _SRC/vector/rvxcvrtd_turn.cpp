@@ -1,0 +1,273 @@
+// From polar to cartesian form: sines and cosines of whole blocks, four at a time.
+//
+// An argument is reduced by multiples of pi/2 to a head and a tail of at most pi/4
+// (W. J. Cody, W. Waite, Software Manual for the Elementary Functions, 1980): pi/2 is
+// cut into parts of 33 bits, whose products with a multiple below 2^20 are exact, and
+// what subtractions round off goes into the tail. Larger arguments, which are rare, are
+// reduced one by one with as many bits of 2/pi as they need (M. Payne, R. Hanek, Radian
+// reduction for trigonometric functions, 1983). Errors stay below 0.85 units in the last
+// place for all arguments: next to pi/4, where x^3/6 is largest beside the sine, its five
+// roundings and the polynomial add 0.33 to the last rounding; cosines stay below 0.56.
+
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+
+#include "frame/rvxkernel.h"
+#include "frame/rvxlanes.h"
+#include "vector/rvxcvrtd_polar.h"
+
+namespace {
+
+// pi/2 in parts: three of 33 bits and what is left, rounded.
+constexpr double RVX_HALF_PI_1 = 0x1.921fb544p+0;
+constexpr double RVX_HALF_PI_2 = 0x1.0b4611a6p-34;
+constexpr double RVX_HALF_PI_3 = 0x1.3198a2ep-69;
+constexpr double RVX_HALF_PI_4 = 0x1.b839a252049c1p-104;
+constexpr double RVX_TWO_OVER_PI = 0x1.45f306dc9c883p-1;
+
+// Arguments to here are reduced in lanes.
+constexpr double RVX_LARGEST_IN_LANES = 0x1p20;
+
+// Added and taken away again, this leaves the nearest integer; while it is there, the
+// integer stands in the lowest bits.
+constexpr double RVX_ROUNDER = 0x1.8p52;
+
+// sin x = x - x^3 (s0 + s1 x^2 + ...) and cos x = 1 - x^2/2 + x^4 (c0 + c1 x^2 + ...) for
+// |x| up to pi/4: minimax polynomials by Remez' exchange, relative errors 2^-57.9 and
+// 2^-63.9.
+constexpr double RVX_SINE[] = {0x1.5555555555548p-3,  -0x1.111111110f730p-7,
+                               0x1.a01a019be9217p-13, -0x1.71de35552b52bp-19,
+                               0x1.ae5e4b83e447dp-26, -0x1.5d8b55947e657p-33};
+constexpr double RVX_COSINE[] = {0x1.555555555554bp-5,  -0x1.6c16c16c15015p-10,
+                                 0x1.a01a019c8f254p-16, -0x1.27e4f7f19148bp-22,
+                                 0x1.1ee9dbcefbddfp-29, -0x1.8fa6848740176p-37};
+
+// The bits of 2/pi behind 64 zeros.
+constexpr std::uint64_t RVX_TWO_OVER_PI_BITS[] = {
+    0x0000000000000000, 0xA2F9836E4E441529, 0xFC2757D1F534DDC0, 0xDB6295993C439041,
+    0xFE5163ABDEBBC561, 0xB7246E3A424DD2E0, 0x06492EEA09D1921C, 0xFE1DEB1CB129A73E,
+    0xE88235F52EBB4484, 0xE99C7026B45F7E41, 0x3991D639835339F4, 0x9C845F8BBDF9283B,
+    0x1FF897FFDE05980F, 0xEF2F118B5A0A6D1F, 0x6D367ECF27CB09B7, 0x4F463F669E5FEA2D,
+    0x7527BAC7EBE5F17B, 0x3D0739F78A5292EA, 0x6BFB5FB11F8D5D08, 0x56033046FC7B6BAB};
+
+__extension__ using Wide = unsigned __int128;
+
+// pi/2 * 2^127
+constexpr std::uint64_t RVX_HALF_PI_HIGH = 0xC90FDAA22168C234, RVX_HALF_PI_LOW = 0xC4C6628B80DC1CD1;
+
+// x = quarters * pi/2 + head - negTail, the sum of head and tail at most pi/4 and a
+// little. Only the two lowest bits of quarters count. The tail is kept negated: then
+// a zero keeps its sign on its way through the sine.
+struct Turn {
+    double head, negTail;
+    std::int64_t quarters;
+};
+
+struct Turns {
+    Lanes head, negTail;
+    RvxBits quarters;
+};
+
+double powerOfTwo(int exponent)
+{
+    const std::uint64_t bits = static_cast<std::uint64_t>(exponent + 1023) << 52;
+    double x;
+    std::memcpy(&x, &bits, sizeof x);
+    return x;
+}
+
+// 64 bits of 2/pi from bit `at` on.
+std::uint64_t bitsFrom(int at)
+{
+    const int word = at / 64, shift = at % 64;
+    const std::uint64_t high = RVX_TWO_OVER_PI_BITS[word] << shift;
+    return shift == 0 ? high : high | RVX_TWO_OVER_PI_BITS[word + 1] >> (64 - shift);
+}
+
+// a * b / 2^128 for factors of 128 bits, up to four units too small.
+Wide highProduct(Wide a, std::uint64_t bHigh, std::uint64_t bLow)
+{
+    const auto aHigh = static_cast<std::uint64_t>(a >> 64), aLow = static_cast<std::uint64_t>(a);
+    return Wide{aHigh} * bHigh + (Wide{aHigh} * bLow >> 64) + (Wide{aLow} * bHigh >> 64);
+}
+
+// For finite x beyond the lanes' reach. x = m 2^e; of 2/pi those 192 bits count that
+// make m 2^e 2/pi modulo 4: bits before them give multiples of 4, bits behind them less
+// than 2^-137. No double comes nearer to a multiple of pi/2 than 2^-62 or so.
+Turn turnOfHuge(double x)
+{
+    std::uint64_t bits;
+    std::memcpy(&bits, &x, sizeof bits);
+    const int e = static_cast<int>(bits >> 52 & 0x7ff) - 1075;
+    const std::uint64_t m = (bits & 0xfffffffffffff) | 0x10000000000000;
+    const int at = e + 62;
+    const Wide low = Wide{bitsFrom(at + 128)} * m;
+    const Wide middle = Wide{bitsFrom(at + 64)} * m + (low >> 64);
+    const Wide high = Wide{bitsFrom(at)} * m + (middle >> 64);
+    // Quarters in the two bits on top, then the fraction of one.
+    const auto top = static_cast<std::uint64_t>(high);
+    const auto next = static_cast<std::uint64_t>(middle);
+    const auto last = static_cast<std::uint64_t>(low);
+    Wide fraction = Wide{top << 2 | next >> 62} << 64 | (next << 2 | last >> 62);
+    std::uint64_t quarters = top >> 62;
+    // To the nearest multiple: a fraction of a half or more counts from above.
+    bool below = false;
+    if (fraction >> 127 != 0) {
+        fraction = -fraction;
+        ++quarters;
+        below = true;
+    }
+    int zeros = 0;
+    for (; fraction >> 127 == 0; ++zeros)
+        fraction <<= 1;
+    const Wide angle = highProduct(fraction, RVX_HALF_PI_HIGH, RVX_HALF_PI_LOW);
+    // angle * 2^(-127 - zeros), in pieces of 53 and 62 bits
+    const auto headBits = static_cast<std::int64_t>(angle >> 75);
+    const auto tailBits =
+        static_cast<std::int64_t>(static_cast<std::uint64_t>(angle >> 13) & 0x3fffffffffffffff);
+    const double sign = below != (x < 0.0) ? -1.0 : 1.0;
+    const double head = static_cast<double>(headBits) * powerOfTwo(-52 - zeros);
+    const double tail = static_cast<double>(tailBits) * powerOfTwo(-114 - zeros);
+    const auto whole = static_cast<std::int64_t>(quarters);
+    return {sign * head, -(sign * tail), x < 0.0 ? -whole : whole};
+}
+
+// Four turns in memory, where single ones are mended.
+struct TurnBlock {
+    double head[4], negTail[4];
+    std::int64_t quarters[4];
+};
+
+// Infinities and NaNs give NaN.
+__attribute__((noinline)) void mendHuge(const double *x, TurnBlock *turns)
+{
+    for (int i = 0; i < 4; ++i) {
+        if (std::fabs(x[i]) <= RVX_LARGEST_IN_LANES)
+            continue;
+        Turn turn = {x[i] - x[i], 0.0, 0};
+        if (std::isfinite(x[i]))
+            turn = turnOfHuge(x[i]);
+        turns->head[i] = turn.head;
+        turns->negTail[i] = turn.negTail;
+        turns->quarters[i] = turn.quarters;
+    }
+}
+
+RVX_INLINE Turns turnsOf(Lanes x)
+{
+    const Lanes rounder = allLanes(RVX_ROUNDER);
+    const Lanes raised = x * allLanes(RVX_TWO_OVER_PI) + rounder;
+    const Lanes quarters = raised - rounder;
+    const Lanes near = x - quarters * allLanes(RVX_HALF_PI_1); // exact
+    // Differences and what they round off: the subtrahend's last place is never above
+    // a multiple of which the minuend is.
+    const Lanes second = quarters * allLanes(RVX_HALF_PI_2);
+    const Lanes nearer = near - second;
+    const Lanes rest2 = (near - nearer) - second;
+    const Lanes third = quarters * allLanes(RVX_HALF_PI_3);
+    const Lanes head = nearer - third;
+    const Lanes rest3 = (nearer - head) - third;
+    const Lanes negTail = (quarters * allLanes(RVX_HALF_PI_4) - rest3) - rest2;
+    return {head, negTail, (RvxBits)raised.v};
+}
+
+RVX_INLINE Turns turnsOfAny(Lanes x)
+{
+    Turns turns = turnsOf(x);
+    if (__builtin_expect(!everyLane(isAtMost(absLanes(x), allLanes(RVX_LARGEST_IN_LANES))), 0)) {
+        double arguments[4];
+        TurnBlock block;
+        storeLanes(arguments, x);
+        storeLanes(block.head, turns.head);
+        storeLanes(block.negTail, turns.negTail);
+        for (int i = 0; i < 4; ++i)
+            block.quarters[i] = turns.quarters[i];
+        mendHuge(arguments, &block);
+        turns.head = loadLanes(block.head);
+        turns.negTail = loadLanes(block.negTail);
+        turns.quarters =
+            RvxBits{block.quarters[0], block.quarters[1], block.quarters[2], block.quarters[3]};
+    }
+    return turns;
+}
+
+// a[0] + a[1] z + ... + a[5] z^5, in three pairs that do not wait for one another.
+RVX_INLINE Lanes quintic(const double (&a)[6], Lanes z, Lanes z2)
+{
+    const Lanes low = allLanes(a[0]) + z * allLanes(a[1]);
+    const Lanes middle = allLanes(a[2]) + z * allLanes(a[3]);
+    const Lanes high = allLanes(a[4]) + z * allLanes(a[5]);
+    return low + z2 * (middle + z2 * high);
+}
+
+struct Circle {
+    Lanes cosine, sine;
+};
+
+RVX_INLINE Circle circleAt(Turns r)
+{
+    const Lanes z = r.head * r.head;
+    const Lanes z2 = z * z;
+    // The upper half of the bits squares exactly: 1 - h^2/2 and what that rounds off,
+    // and then (r^2 - h^2)/2 = (r - h)(r + h)/2 of what the upper half leaves.
+    const Lanes upper = maskBits(r.head, ~std::int64_t{0x7ffffff});
+    const Lanes lower = r.head - upper;
+    const Lanes halfSquare = upper * (allLanes(0.5) * upper);
+    const Lanes one = allLanes(1.0);
+    const Lanes rough = one - halfSquare;
+    const Lanes rounded = (one - rough) - halfSquare;
+    const Lanes rest = (lower - r.negTail) * (upper + allLanes(0.5) * lower);
+    const Lanes cosine = rough + ((rounded - rest) + z2 * quintic(RVX_COSINE, z, z2));
+    const Lanes sine = r.head - ((r.head * z) * quintic(RVX_SINE, z, z2) + r.negTail * rough);
+    return {cosine, sine};
+}
+
+// By quadrant: odd quarters swap sine and cosine; the cosine is negative in the second
+// and third quadrant, the sine in the third and fourth.
+RVX_INLINE Circle turnedBy(RvxBits quarters, Circle c)
+{
+    const LaneMask odd = {(quarters & 1) != 0};
+    const Lanes cosine = choose(odd, c.sine, c.cosine);
+    const Lanes sine = choose(odd, c.cosine, c.sine);
+    const RvxBits cosineSign = ((quarters + 1) << 62) & INT64_MIN;
+    const RvxBits sineSign = (quarters << 62) & INT64_MIN;
+    return {{(RvxVector)((RvxBits)cosine.v ^ cosineSign)},
+            {(RvxVector)((RvxBits)sine.v ^ sineSign)}};
+}
+
+RVX_INLINE void joinFour(const double *mag, const double *phase, ZCplx *dst)
+{
+    const Turns turns = turnsOfAny(loadLanes(phase));
+    const Circle c = turnedBy(turns.quarters, circleAt(turns));
+    const Lanes m = loadLanes(mag);
+    const Lanes re = c.cosine * m;
+    const Lanes im = c.sine * m;
+    storeLanes(dst, interleaveLow(re, im));
+    storeLanes(dst + 2, interleaveHigh(re, im));
+}
+
+RVX_KERNEL void joinPolarForms(const double *mag, const double *phase, ZCplx *dst, std::ptrdiff_t n)
+{
+    std::ptrdiff_t i = 0;
+    for (; n - i >= 4; i += 4)
+        joinFour(mag + i, phase + i, dst + i);
+    if (i < n) {
+        double mags[4] = {}, phases[4] = {};
+        ZCplx joined[4];
+        for (std::ptrdiff_t k = 0; k < n - i; ++k) {
+            mags[k] = mag[i + k];
+            phases[k] = phase[i + k];
+        }
+        joinFour(mags, phases, joined);
+        for (std::ptrdiff_t k = 0; k < n - i; ++k)
+            dst[i + k] = joined[k];
+    }
+}
+
+} // namespace
+
+void rvxJoinPolar(const double *mag, const double *phase, ZCplx *dst, std::ptrdiff_t n)
+{
+    joinPolarForms(mag, phase, dst, n);
+}
