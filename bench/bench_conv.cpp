@@ -162,6 +162,12 @@ Contender bestOverlapSave(const Element *x, int xLen, const Element *h, int hLen
     return {"FFTW", best};
 }
 
+#else
+
+// Names for the calls below; nothing is made of them.
+struct RealPlans;
+struct CplxPlans;
+
 #endif
 
 template <typename Plans, typename Element>

@@ -191,6 +191,12 @@ Contender bestBlocks(const Task<typename Plans::Element> &task)
     return {"FFTW", best};
 }
 
+#else
+
+// Names for the calls below; nothing is made of them.
+struct RealPlans;
+struct CplxPlans;
+
 #endif
 
 std::string sizeOf(int len, int lags)
