@@ -510,6 +510,86 @@ RVX_API void rvxdbLg1(double *vec, int len);
 RVX_API void rvxdbLg2(const double *src, double *dst, int len);
 
 /* ---------------------------------------------------------------------------
+ * Number conversions
+ *
+ * Between doubles and integers of 8, 16 or 32 bits. A fixed-point number of `size`
+ * bits with fractBits bits of fraction stands for its integer times 2^-fractBits;
+ * an integer is the case fractBits = 0. Blocks of integers are of signed char,
+ * short and int, or of the unsigned types with RVX_CVT_UNSIGNED.
+ *
+ * To integers: v = src[i] * 2^fractBits, rounded once, as the flags say; dst[i] = v
+ * where v is in the range of the integer. Where it is not, dst[i] is the end of the
+ * range that v is beyond with RVX_CVT_CLIP, and else the low bits of v, as long as v
+ * is below 2^30 in magnitude, 2^50 for 32 bits; what is stored beyond is left open. It is the
+ * rounded v that counts: 127.4 fits 8 bits by RVX_CVT_NEAREST and does not by
+ * RVX_CVT_CEIL. Infinities and NaNs are beyond the end of their sign.
+ *
+ * From integers: dst[i] = src[i] * 2^-fractBits, which is exact.
+ *
+ * Neither the rounding mode that the caller has in force nor the setting that
+ * flushes subnormals to zero plays a part, and these and the exception flags are
+ * afterwards as they were. dst and src must not overlap.
+ *
+ * Status: the functions with flags first set the status to RVX_STATUS_OK. They then
+ * make all of their checks, each of which may report, and return without having
+ * converted if there was a report. With RVX_CVT_REPORT they report "A float exceeds
+ * an integer" once if any v was beyond the range, after all elements are written.
+ * Functions without flags leave the status alone and return at the first failed
+ * check, as other families do.
+ * ------------------------------------------------------------------------- */
+
+/* To integers exactly one of the first four, and of the others what is wanted; more
+ * bits are ignored. From integers 0 or UNSIGNED. */
+enum {
+    RVX_CVT_NEAREST = 128,   /* to the nearest integer, of two to the even one */
+    RVX_CVT_TRUNC = 256,     /* toward zero */
+    RVX_CVT_FLOOR = 512,     /* downwards */
+    RVX_CVT_CEIL = 1024,     /* upwards */
+    RVX_CVT_UNSIGNED = 2048, /* integers have no sign */
+    RVX_CVT_CLIP = 4096,     /* saturate what does not fit */
+    RVX_CVT_REPORT = 8192    /* report what does not fit */
+};
+
+/* Doubles to integers of `size` bits.
+ * With a size of 32 and the flags RVX_CVT_TRUNC | RVX_CVT_UNSIGNED | RVX_CVT_REPORT
+ * and no other, here and in rvxdbFloatToFix, numbers are rounded downwards: those
+ * between -1 and 0 then do not fit.
+ * Checks: len below 1; src null; dst null; size not 8, 16 or 32; not exactly one of
+ * the rounding flags. */
+RVX_API void rvxdbFloatToInt(const double *src, void *dst, int len, int size, int flags);
+
+/* Integers of `size` bits to doubles.
+ * Checks: len below 1; src null; dst null; size not 8, 16 or 32; flags neither 0 nor
+ * RVX_CVT_UNSIGNED. */
+RVX_API void rvxdbIntToFloat(const void *src, double *dst, int len, int size, int flags);
+
+/* Doubles to fixed point, and back.
+ *   fractBits  0 to size - 1, or to size with RVX_CVT_UNSIGNED
+ * Checks: len below 1; src null; dst null; size not 8, 16 or 32; flags as for
+ * integers; fractBits out of range. */
+RVX_API void rvxdbFloatToFix(const double *src, void *dst, int len, int size, int fractBits,
+                             int flags);
+RVX_API void rvxdbFixToFloat(const void *src, double *dst, int len, int size, int fractBits,
+                             int flags);
+
+/* Doubles to fixed point of 8, 16, 32 and 32 bits with 7, 15, 31 and 16 bits of
+ * fraction. With RVX_CVT_UNSIGNED elements are of the unsigned type.
+ * Checks: len below 1; src null; dst null; not exactly one of the rounding flags.
+ * rvxdbFloatToS15Fix reports as "rvxdbFloaToS15Fix", and rvxdbFloatToS31Fix as
+ * "rvxdbFloaToS31Fix". */
+RVX_API void rvxdbFloatToS7Fix(const double *src, signed char *dst, int len, int flags);
+RVX_API void rvxdbFloatToS15Fix(const double *src, short *dst, int len, int flags);
+RVX_API void rvxdbFloatToS31Fix(const double *src, int *dst, int len, int flags);
+RVX_API void rvxdbFloatToS1516Fix(const double *src, int *dst, int len, int flags);
+
+/* The signed numbers of these formats to doubles.
+ * Checks: len below 1; src null; dst null. */
+RVX_API void rvxdbS7FixToFloat(const signed char *src, double *dst, int len);
+RVX_API void rvxdbS15FixToFloat(const short *src, double *dst, int len);
+RVX_API void rvxdbS31FixToFloat(const int *src, double *dst, int len);
+RVX_API void rvxdbS1516FixToFloat(const int *src, double *dst, int len);
+
+/* ---------------------------------------------------------------------------
  * Fourier transforms
  *
  * N = 2^order. Flags are or-ed into one word; other bits are ignored.

@@ -8,28 +8,33 @@
 
 #include "frame/rvxkernel.h"
 
-// For plain double arithmetic between the two calls, which is then as a new program
-// has it, whatever the caller has set; leaving puts back mode and flags, so that
-// nothing is raised. No arithmetic on memory moves past them.
+// As in the register of the vector unit.
+enum class Rounding : unsigned { nearest, down, up, towardZero };
+
+// For double arithmetic between the two calls, which is then as a new program has it
+// but for the rounding, whatever the caller has set; leaving puts back mode and flags,
+// so that nothing is raised. No arithmetic on memory moves past them.
 //
 // Only the register of the vector unit is touched where there is one: the others cost
-// as much as a block of a hundred elements.
+// as much as a block of a hundred elements. To read it costs ten times as much as to
+// write it, so that it is read once.
 #if defined(__x86_64__)
 
 struct FloatMode {
     unsigned control;
 };
 
-RVX_INLINE FloatMode enterPlainMode()
+RVX_INLINE FloatMode enterMode(Rounding rounding)
 {
+    constexpr unsigned allMasked = 0x1f80;
+    const unsigned ours = allMasked | static_cast<unsigned>(rounding) << 13;
     FloatMode before;
-    const unsigned plain = 0x1f80;
     asm volatile("stmxcsr %0" : "=m"(before.control) : : "memory");
-    asm volatile("ldmxcsr %0" : : "m"(plain) : "memory");
+    asm volatile("ldmxcsr %0" : : "m"(ours) : "memory");
     return before;
 }
 
-RVX_INLINE void leavePlainMode(FloatMode before)
+RVX_INLINE void leaveMode(FloatMode before)
 {
     asm volatile("ldmxcsr %0" : : "m"(before.control) : "memory");
 }
@@ -40,20 +45,32 @@ struct FloatMode {
     std::fenv_t all;
 };
 
-inline FloatMode enterPlainMode()
+inline FloatMode enterMode(Rounding rounding)
 {
+    constexpr int modes[] = {FE_TONEAREST, FE_DOWNWARD, FE_UPWARD, FE_TOWARDZERO};
     FloatMode before;
     std::fegetenv(&before.all);
     std::fesetenv(FE_DFL_ENV);
+    std::fesetround(modes[static_cast<unsigned>(rounding)]);
     return before;
 }
 
-inline void leavePlainMode(FloatMode before)
+inline void leaveMode(FloatMode before)
 {
     std::fesetenv(&before.all);
 }
 
 #endif
+
+RVX_INLINE FloatMode enterPlainMode()
+{
+    return enterMode(Rounding::nearest);
+}
+
+RVX_INLINE void leavePlainMode(FloatMode before)
+{
+    leaveMode(before);
+}
 
 // The same for Extended too: function(x), rounded to double.
 template <typename Function>

@@ -28,6 +28,12 @@ struct Lanes {
     RvxVector v;
 };
 
+// How many elements p stands behind a multiple of 32 bytes.
+RVX_INLINE int elementsBehindAlignment(const double *p)
+{
+    return static_cast<int>(reinterpret_cast<std::uintptr_t>(p) / sizeof(double) % 4);
+}
+
 // How many doubles p stands behind a multiple of 32 bytes. A store of four lanes
 // there crosses no cache line, which is worth up to twice the speed.
 RVX_INLINE int doublesBehindLanes(const void *p)
@@ -86,6 +92,12 @@ RVX_INLINE void storeFirst(double *p, Lanes a)
 RVX_INLINE Lanes allLanes(double x)
 {
     return {RvxVector{x, x, x, x}};
+}
+
+RVX_INLINE Lanes allBits(std::uint64_t bits)
+{
+    const auto b = static_cast<std::int64_t>(bits);
+    return {(RvxVector)RvxBits{b, b, b, b}};
 }
 
 // (re, im, re, im)
@@ -353,6 +365,19 @@ RVX_INLINE Lanes maxSignedWords(Lanes m, Lanes x)
 {
     const auto a = (RvxSignedWords)m.v, b = (RvxSignedWords)x.v;
     return {(RvxVector)(b > a ? b : a)};
+}
+
+// The smaller of the words at each place, without or with their signs.
+RVX_INLINE Lanes minWords(Lanes m, Lanes x)
+{
+    const auto a = (RvxWords)m.v, b = (RvxWords)x.v;
+    return {(RvxVector)(b < a ? b : a)};
+}
+
+RVX_INLINE Lanes minSignedWords(Lanes m, Lanes x)
+{
+    const auto a = (RvxSignedWords)m.v, b = (RvxSignedWords)x.v;
+    return {(RvxVector)(b < a ? b : a)};
 }
 
 // At least m and |x|, and at most 2^-20 above the larger of them; infinite or NaN
