@@ -590,6 +590,35 @@ RVX_API void rvxdbS31FixToFloat(const int *src, double *dst, int len);
 RVX_API void rvxdbS1516FixToFloat(const int *src, double *dst, int len);
 
 /* ---------------------------------------------------------------------------
+ * Companding
+ *
+ * Samples from and to the codes of 8 bits of ITU-T Recommendation G.711, A-law with
+ * its alternate bits inverted and mu-law inverted. Full scale is 1.0: a sample x
+ * stands for x * 32768 in 16 bits.
+ *
+ * Encoders: v = x * 32768, truncated toward zero, is coded by its magnitude, so that
+ * codes of v and -v differ in the sign alone; v = 0 is positive. In this they differ
+ * by design from encoders that code -v - 1 for negative v: a negative v that begins
+ * a step has the code of that step. In mu-law a v that ends a step (magnitudes 124,
+ * 380, 892 and so on end segments) belongs to it. From a magnitude of 0.96875 on,
+ * infinities and NaNs included, the code is the largest of the sign: 170 and 42 in
+ * A-law, 128 and 0 in mu-law.
+ *
+ * Decoders: dst[i] = the 16-bit value that G.711 has for code src[i], divided by
+ * 32768. Decoded and coded again each code comes back, but for 127 in mu-law, the
+ * negative zero, which becomes 255.
+ *
+ * As with number conversions the rounding mode in force plays no part, and the
+ * exception flags are afterwards as they were. dst and src must not overlap.
+ * Checks: len below 1; src null; dst null.
+ * ------------------------------------------------------------------------- */
+
+RVX_API void rvxdbLinToALaw(const double *src, unsigned char *dst, int len);
+RVX_API void rvxdbALawToLin(const unsigned char *src, double *dst, int len);
+RVX_API void rvxdbLinToMuLaw(const double *src, unsigned char *dst, int len);
+RVX_API void rvxdbMuLawToLin(const unsigned char *src, double *dst, int len);
+
+/* ---------------------------------------------------------------------------
  * Fourier transforms
  *
  * N = 2^order. Flags are or-ed into one word; other bits are ignored.
