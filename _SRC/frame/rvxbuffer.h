@@ -4,6 +4,7 @@
 #ifndef RVXBUFFER_H
 #define RVXBUFFER_H
 
+#include <cstddef>
 #include <cstdint>
 
 #include "rvx.h"
@@ -24,6 +25,15 @@ inline void rvxDropBuffer(Entry *&slot)
 {
     rvxFreeAligned(slot);
     slot = nullptr;
+}
+
+// The same for an array of slots, few of which hold anything.
+template <typename Entry, std::size_t count>
+inline void rvxDropBuffers(Entry *(&slots)[count])
+{
+    for (Entry *&slot : slots)
+        if (slot != nullptr)
+            rvxDropBuffer(slot);
 }
 
 #endif

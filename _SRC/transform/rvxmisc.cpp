@@ -123,10 +123,8 @@ void rvxFreeBitRevSwapTbl(int order)
 void rvxFreeBitRevTables()
 {
     rvxThreadContext *context = rvxGetThreadContext();
-    for (int order = 0; order < RVX_ORDERS; ++order)
-        rvxDropBuffer(context->bitRevTable[order]);
-    for (int order = 0; order < RVX_ORDERS; ++order)
-        rvxDropBuffer(context->shortBitRevTable[order]);
+    rvxDropBuffers(context->bitRevTable);
+    rvxDropBuffers(context->shortBitRevTable);
 }
 
 void rvxzbBitRev1(ZCplx *vec, int order)

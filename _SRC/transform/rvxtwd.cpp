@@ -10,11 +10,10 @@
 
 #include "frame/rvxbuffer.h"
 #include "frame/rvxcheck.h"
-#include "frame/rvxkernel.h"
 #include "frame/rvxthread.h"
 #include "transform/rvxfftd_plan.h"
-#include "transform/rvxmisc.h"
 #include "transform/rvxtwd_circle.h"
+#include "transform/rvxtwd_factors.h"
 
 RVX_MODULE("rvxtwd")
 
@@ -35,126 +34,49 @@ double *rvxCalcSineQuarter(int order)
     return sine;
 }
 
-// The quarter wave and the lengths that belong to it: W(N,k) for 0 <= k <= 3N/4.
-struct Circle {
-    const double *sine;
-    std::int64_t quarter;
-    std::int64_t half;
-
-    ZCplx root(std::int64_t k) const
-    {
-        if (k <= quarter)
-            return {sine[quarter - k], -sine[k]};
-        if (k <= half)
-            return {-sine[k - quarter], -sine[half - k]};
-        return {-sine[3 * quarter - k], sine[k - half]};
-    }
-};
-
-// sign * sine[i], and on by `step`, in the order of lanes that the passes use.
-void putSines(double *p, const double *sine, std::int64_t i, std::int64_t step, double sign)
-{
-    p[0] = sign * sine[i];
-    p[1] = sign * sine[i + 2 * step];
-    p[2] = sign * sine[i + step];
-    p[3] = sign * sine[i + 3 * step];
-}
-
-// W(N, k), W(N, k + step) and so on, four at a time in that order, real parts before
-// imaginary ones.
-double *putFactors(double *p, const Circle &circle, std::int64_t k, std::int64_t step)
-{
-    const std::int64_t quarter = circle.quarter, half = circle.half, last = k + 3 * step;
-    if (last <= quarter) {
-        putSines(p, circle.sine, quarter - k, -step, 1.0);
-        putSines(p + 4, circle.sine, k, step, -1.0);
-    } else if (k > quarter && last <= half) {
-        putSines(p, circle.sine, k - quarter, step, -1.0);
-        putSines(p + 4, circle.sine, half - k, -step, -1.0);
-    } else {
-        const std::int64_t laneElement[] = {0, 2, 1, 3};
-        for (int lane = 0; lane < 4; ++lane) {
-            const ZCplx w = circle.root(k + laneElement[lane] * step);
-            p[lane] = w.re;
-            p[lane + 4] = w.im;
-        }
-    }
-    return p + 8;
-}
-
-// The factors of a kernel's radix-4 passes.
-void fillKernelFactors(double *p, const Circle &circle, int order)
-{
-    const std::int64_t n = std::int64_t{1} << order;
-    if (order < 4)
-        return;
-    for (std::int64_t P = rvxFirstRadix(order); P < n; P *= 4) {
-        const std::int64_t step = n / (4 * P);
-        for (std::int64_t i = 0; i < P; i += 4)
-            for (std::int64_t power = 1; power <= 3; ++power)
-                p = putFactors(p, circle, power * i * step, power * step);
-    }
-}
-
-void fillSweepFactors(double *p, const Circle &circle, int order)
-{
-    const std::int64_t n = std::int64_t{1} << order;
-    int depth;
-    for (int level = RVX_KERNEL_ORDER; level < order; level += depth) {
-        depth = rvxSweepDepth(order, level);
-        const std::int64_t P = std::int64_t{1} << level;
-        for (std::int64_t i = 0; i < P; i += 4) {
-            for (int pass = 1; pass <= depth; ++pass)
-                p = putFactors(p, circle, i * (n >> (level + pass)), n >> (level + pass));
-            if (depth == 3)
-                p = putFactors(p, circle, (i + P) * (n >> (level + 3)), n >> (level + 3));
-        }
-    }
-}
-
-void fillDit(ZCplx *tbl, const Circle &circle, int order)
+void fillDit(ZCplx *tbl, const QuarterWave &wave, int order)
 {
     ZCplx *entry = tbl;
-    for (std::int64_t k = 0; k <= circle.quarter; ++k) {
-        *entry++ = circle.root(k);
-        *entry++ = circle.root(2 * k);
-        *entry++ = circle.root(3 * k);
+    for (std::int64_t k = 0; k <= wave.quarter; ++k) {
+        *entry++ = wave.root(k);
+        *entry++ = wave.root(2 * k);
+        *entry++ = wave.root(3 * k);
     }
-    fillKernelFactors(&tbl[rvxDitTableLen(order)].re, circle, order);
+    rvxFillKernelFactors(&tbl[rvxDitTableLen(order)].re, wave, order);
 }
 
-void fillDif(ZCplx *tbl, const Circle &circle, int order)
+void fillDif(ZCplx *tbl, const QuarterWave &wave, int order)
 {
     ZCplx *entry = tbl;
-    for (std::int64_t k = 1; k < circle.quarter; ++k) {
-        *entry++ = circle.root(k);
-        *entry++ = circle.root(3 * k);
+    for (std::int64_t k = 1; k < wave.quarter; ++k) {
+        *entry++ = wave.root(k);
+        *entry++ = wave.root(3 * k);
     }
-    fillKernelFactors(&tbl[rvxDifTableLen(order)].re, circle, order);
+    rvxFillKernelFactors(&tbl[rvxDifTableLen(order)].re, wave, order);
 }
 
-void fillLarge(ZCplx *tbl, const Circle &circle, int order)
+void fillLarge(ZCplx *tbl, const QuarterWave &wave, int order)
 {
-    for (std::int64_t k = 0; k < circle.quarter; ++k)
-        tbl[k] = circle.root(k);
+    for (std::int64_t k = 0; k < wave.quarter; ++k)
+        tbl[k] = wave.root(k);
     if (order > RVX_STRETCH_ORDER) {
         const int stride = 1 << (order - RVX_STRETCH_ORDER);
         for (std::int64_t k = 0; k < RVX_COARSE_LEN; ++k)
-            tbl[circle.quarter + k] = circle.root(stride * k);
+            tbl[wave.quarter + k] = wave.root(stride * k);
     }
-    fillSweepFactors(&tbl[rvxLargeTableLen(order)].re, circle, order);
+    rvxFillSweepFactors(&tbl[rvxLargeTableLen(order)].re, wave, order);
 }
 
-void fillRealTwist(ZCplx *tbl, const Circle &circle, int)
+void fillRealTwist(ZCplx *tbl, const QuarterWave &wave, int)
 {
-    for (std::int64_t k = 0; k < circle.quarter; ++k)
-        tbl[k] = {0.5 * circle.sine[circle.quarter - k], 0.5 - 0.5 * circle.sine[k]};
+    for (std::int64_t k = 0; k < wave.quarter; ++k)
+        tbl[k] = {0.5 * wave.sine[wave.quarter - k], 0.5 - 0.5 * wave.sine[k]};
 }
 
-void fillCcsTwist(ZCplx *tbl, const Circle &circle, int)
+void fillCcsTwist(ZCplx *tbl, const QuarterWave &wave, int)
 {
-    for (std::int64_t k = 0; k < circle.quarter; ++k)
-        tbl[k] = circle.root(k);
+    for (std::int64_t k = 0; k < wave.quarter; ++k)
+        tbl[k] = wave.root(k);
 }
 
 std::uint64_t ditLen(int order)
@@ -181,7 +103,7 @@ std::uint64_t twistLen(int order)
 struct TableKind {
     ZCplx *(rvxThreadContext::*slots)[RVX_ORDERS];
     std::uint64_t (*len)(int order);
-    void (*fill)(ZCplx *tbl, const Circle &circle, int order);
+    void (*fill)(ZCplx *tbl, const QuarterWave &wave, int order);
 };
 
 constexpr TableKind largeTable{&rvxThreadContext::fftTableA, largeLen, fillLarge};
@@ -209,7 +131,7 @@ ZCplx *buildTable(const TableKind &kind, int order)
         return nullptr;
     }
     const std::int64_t n = std::int64_t{1} << order;
-    kind.fill(static_cast<ZCplx *>(tbl), Circle{sine, n / 4, n / 2}, order);
+    kind.fill(static_cast<ZCplx *>(tbl), QuarterWave{sine, n / 4, n / 2}, order);
     rvxFreeAligned(sine);
     return static_cast<ZCplx *>(tbl);
 }
@@ -313,11 +235,10 @@ void rvxFreeSmallTable(int i)
 
 void rvxFreeFftTables()
 {
+    rvxThreadContext *context = rvxGetThreadContext();
     for (const TableKind *kind : fftTables)
-        for (int order = 0; order < RVX_ORDERS; ++order)
-            freeTable(*kind, order);
-    for (int order = 0; order < RVX_ORDERS; ++order)
-        rvxFreeBitRevSwapTbl(order);
+        rvxDropBuffers(context->*kind->slots);
+    rvxDropBuffers(context->shortBitRevTable);
 }
 
 void rvxFreeTwdTables()
@@ -328,8 +249,7 @@ void rvxFreeTwdTables()
         context->sizedTableKey[i] = 0;
     }
     context->sizedTableCount = 0;
-    for (int order = 0; order < RVX_ORDERS; ++order)
-        rvxDropBuffer(context->twdTable[order]);
+    rvxDropBuffers(context->twdTable);
     rvxFreeFftTables();
     // The last small table is deliberately not visited.
     for (int i = 0; i < RVX_SMALL_TABLES - 1; ++i)

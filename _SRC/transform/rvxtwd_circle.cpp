@@ -138,12 +138,24 @@ void forArcs(int order, const Take &take)
         walkArcs(digits, 0, Turn{1, 0, 0, 0}, 0, take);
 }
 
-// Whether what the definition rounds, which differs from value + rest by less than
-// 2^-59 of itself, must round to `value` in all lanes.
-RVX_INLINE bool certain(Lanes value, Lanes rest)
+// What the definition rounds differs from value + rest by less than 2^-59 of itself:
+// where this sum is still `value`, so is the rounded definition.
+template <typename Real>
+RVX_INLINE Real edgeOf(Real value, Real rest, Real margin)
 {
-    const Lanes edge = value + rest * allLanes(1 + 0x1p-5);
-    return !anyLane({~isEqual(edge, value).b});
+    return value + rest * margin;
+}
+
+constexpr double RVX_MARGIN = 1 + 0x1p-5;
+
+bool isCertain(double value, double rest)
+{
+    return edgeOf(value, rest, RVX_MARGIN) == value;
+}
+
+RVX_INLINE bool allCertain(Lanes value, Lanes rest)
+{
+    return !anyLane({~isEqual(edgeOf(value, rest, allLanes(RVX_MARGIN)), value).b});
 }
 
 // up[j] = the sines of an arc, down[-j] = the cosines. Gives the groups of four that
@@ -162,9 +174,9 @@ RVX_KERNEL unsigned putArc(const Arc &arc, int values, double *up, double *down)
             storeLanes(up + j, sine);
             storeLanes(down - j - 3, reversed(cosine));
         }
-        if (!certain(sine, loadLanes(&arc.sineRest[j])))
+        if (!allCertain(sine, loadLanes(&arc.sineRest[j])))
             doubts |= 1u << (j / 4);
-        if (!certain(cosine, loadLanes(&arc.cosineRest[j])))
+        if (!allCertain(cosine, loadLanes(&arc.cosineRest[j])))
             doubts |= 16u << (j / 4);
     }
     return doubts;
@@ -271,9 +283,9 @@ void rvxFillSineQuarter(double *sine, int order)
         for (int j = 0; doubts != 0 && j < values; ++j) {
             const std::int64_t i = begin + j;
             const Extended angle = static_cast<Extended>(i) * step;
-            if ((doubts >> (j / 4) & 1) != 0)
+            if ((doubts >> (j / 4) & 1) != 0 && !isCertain(arc.sine[j], arc.sineRest[j]))
                 sine[i] = static_cast<double>(std::sin(angle));
-            if ((doubts >> (j / 4) & 16) != 0)
+            if ((doubts >> (j / 4) & 16) != 0 && !isCertain(arc.cosine[j], arc.cosineRest[j]))
                 sine[quarter - i] = static_cast<double>(std::cos(angle));
         }
     });
