@@ -455,7 +455,7 @@ TEST(CplxReciprocal, FollowsItsSteps)
 
 TEST(CplxReciprocal, KnowsSpecialValuesAtEveryPosition)
 {
-    for (double thresh : {0.0, 0.75, 1e200})
+    for (double thresh : {0.0, 0.75, 1e200, -0.0, 4e-324})
         expectPairsAtEveryPosition(cplxInverse(thresh), cplxInverseSteps(thresh));
 }
 

@@ -464,14 +464,16 @@ RVX_INLINE Lanes onlyWhere(LaneMask mask, Lanes a)
     return {(RvxVector)((RvxBits)a.v & mask.b)};
 }
 
-RVX_INLINE bool everyLane(LaneMask a)
-{
-    return ((a.b[0] & a.b[1]) & (a.b[2] & a.b[3])) != 0;
-}
-
 RVX_INLINE bool anyLane(LaneMask a)
 {
-    return ((a.b[0] | a.b[1]) | (a.b[2] | a.b[3])) != 0;
+    const auto both =
+        __builtin_shufflevector(a.b, a.b, 0, 1) | __builtin_shufflevector(a.b, a.b, 2, 3);
+    return (both[0] | both[1]) != 0;
+}
+
+RVX_INLINE bool everyLane(LaneMask a)
+{
+    return !anyLane(~a);
 }
 
 #endif

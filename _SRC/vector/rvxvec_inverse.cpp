@@ -17,26 +17,26 @@ RVX_MODULE("rvxvec")
 
 namespace {
 
-// 1 / x, and +infinity where x is zero or NaN.
+// 1 / x, and +infinity, the reciprocal of +0.0, where x is zero or NaN.
 struct Reciprocal {
     LaneMask noted = {};
     RVX_INLINE Lanes operator()(Lanes x)
     {
-        const LaneMask nothing = ~isBelow(allLanes(0.0), absLanes(x));
-        noted = noted | nothing;
-        return choose(nothing, allLanes(__builtin_inf()), allLanes(1.0) / x);
+        const LaneMask something = isBelow(allLanes(0.0), absLanes(x));
+        noted = noted | ~something;
+        return allLanes(1.0) / onlyWhere(something, x);
     }
 };
 
-// 1 / x, and the limit with the sign of x where |x| is at most thresh or x is NaN,
-// which counts as negative.
+// 1 / x of an x that was moved away from zero to the magnitude thresh, if need be. A
+// NaN goes there too, and counts as negative; -0.0 does not.
 struct BoundedReciprocal {
-    Lanes thresh, limit;
+    Lanes thresh;
     RVX_INLINE Lanes operator()(Lanes x) const
     {
-        const LaneMask bounded = ~isBelow(thresh, absLanes(x));
-        const Lanes bound = choose(isAtMost(allLanes(0.0), x), limit, -limit);
-        return choose(bounded, bound, allLanes(1.0) / x);
+        const Lanes magnitude = maxLanes(thresh, absLanes(x));
+        const LaneMask negative = ~isAtMost(allLanes(0.0), x);
+        return allLanes(1.0) / withSignOf(magnitude, {(RvxVector)negative.b});
     }
 };
 
@@ -50,7 +50,7 @@ RVX_KERNEL bool invertReal(const double *src, double *dst, int n)
 
 RVX_KERNEL void invertRealBounded(const double *src, double *dst, int n, double thresh)
 {
-    BoundedReciprocal reciprocal{allLanes(thresh), allLanes(1.0 / thresh)};
+    BoundedReciprocal reciprocal{allLanes(thresh)};
     walkReal(src, dst, n, reciprocal);
 }
 

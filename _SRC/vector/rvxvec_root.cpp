@@ -22,12 +22,27 @@ namespace {
 
 struct RealRoot {
     Lanes signs = allLanes(0.0); // the sign bits of all elements so far, or-ed
+    RVX_INLINE void note(Lanes x) { signs = {(RvxVector)((RvxBits)signs.v | (RvxBits)x.v)}; }
     RVX_INLINE Lanes operator()(Lanes x)
     {
-        signs = {(RvxVector)((RvxBits)signs.v | (RvxBits)x.v)};
+        note(x);
         return tripleRoot(x);
     }
 };
+
+RVX_INLINE void applyToFour(RealRoot &root, Lanes (&x)[4])
+{
+    Lanes magnitudes[4];
+    LaneMask normal = {RvxBits{-1, -1, -1, -1}};
+    for (int j = 0; j < 4; ++j) {
+        root.note(x[j]);
+        magnitudes[j] = absLanes(x[j]);
+        normal = normal & isNormal(magnitudes[j]);
+    }
+    const bool allNormal = everyLane(normal);
+    for (int j = 0; j < 4; ++j)
+        x[j] = allNormal ? sqrtLanes(magnitudes[j]) : tripleRoot(x[j]);
+}
 
 // n is a multiple of 3. True if there is a sign bit.
 RVX_KERNEL bool rootTriples(const double *src, double *dst, std::ptrdiff_t n)
@@ -39,22 +54,62 @@ RVX_KERNEL bool rootTriples(const double *src, double *dst, std::ptrdiff_t n)
 
 // Principal roots: re = sqrt((r + |re|) / 2) and im = |im| / (2 re) of an element
 // with the magnitude r, or the other way round where re is negative.
+//
+// With normal squares all that follows is normal but for the smaller part. Step by step
+// for all the elements at hand: a root and a division wait for the root before.
+template <bool normal, int count>
+RVX_INLINE void cplxRoots(const Lanes (&squares)[count], CplxLanes (&z)[count])
+{
+    const Lanes half = allLanes(0.5);
+    Lanes t[count];
+    for (int j = 0; j < count; ++j)
+        t[j] = normal ? sqrtLanes(squares[j]) : tripleRootOfSquares(squares[j]);
+    for (int j = 0; j < count; ++j) {
+        const Lanes mean = (t[j] + absLanes(z[j].re)) * half;
+        t[j] = normal ? sqrtLanes(mean) : tripleRootOfSquares(mean);
+    }
+    for (int j = 0; j < count; ++j) {
+        const Lanes w = z[j].im / t[j] * half;
+        const Lanes smaller = absLanes(w);
+        // Deliberate: a subnormal imaginary part is flushed, a real one is not.
+        const Lanes flushed = onlyWhere(~isBelow(smaller, allLanes(0x1p-1022)), w);
+        const LaneMask turned = isSigned(z[j].re);
+        z[j] = {choose(turned, smaller, t[j]),
+                choose(turned, withSignOf(t[j], z[j].im), flushed)};
+        if (!normal) {
+            const LaneMask something = ~isEqual(t[j], allLanes(0.0));
+            z[j] = {onlyWhere(something, z[j].re), onlyWhere(something, z[j].im)};
+        }
+    }
+}
+
 struct CplxRoot {
     RVX_INLINE CplxLanes operator()(CplxLanes z) const
     {
-        const Lanes half = allLanes(0.5);
-        const Lanes r = tripleRootOfSquares(z.re * z.re + z.im * z.im);
-        const Lanes t = tripleRootOfSquares((r + absLanes(z.re)) * half);
-        const Lanes w = absLanes(z.im) / t * half;
-        const LaneMask turned = isSigned(z.re);
-        const LaneMask nothing = isEqual(t, allLanes(0.0));
-        const Lanes re = choose(turned, w, t);
-        const Lanes im = choose(turned, t, w);
-        // Deliberate: a subnormal imaginary part is flushed, a real one is not.
-        const LaneMask flushed = nothing | isBelow(im, allLanes(0x1p-1022));
-        return {onlyWhere(~nothing, re), onlyWhere(~flushed, withSignOf(im, z.im))};
+        CplxLanes all[1] = {z};
+        applyTo(all);
+        return all[0];
+    }
+    template <int count>
+    RVX_INLINE void applyTo(CplxLanes (&z)[count]) const
+    {
+        Lanes squares[count];
+        LaneMask normal = {RvxBits{-1, -1, -1, -1}};
+        for (int j = 0; j < count; ++j) {
+            squares[j] = z[j].re * z[j].re + z[j].im * z[j].im;
+            normal = normal & isNormal(squares[j]);
+        }
+        if (everyLane(normal))
+            cplxRoots<true>(squares, z);
+        else
+            cplxRoots<false>(squares, z);
     }
 };
+
+RVX_INLINE void applyToFour(CplxRoot &root, CplxLanes (&z)[4])
+{
+    root.applyTo(z);
+}
 
 // n is a multiple of 3.
 RVX_KERNEL void rootCplxTriples(const ZCplx *src, ZCplx *dst, std::ptrdiff_t n)

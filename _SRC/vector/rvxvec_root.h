@@ -21,6 +21,12 @@ RVX_INLINE LaneMask isHuge(Lanes magnitude)
     return ~isBelow(magnitude, allLanes(__builtin_inf()));
 }
 
+// Where the exponent field is neither 0 nor 2047.
+RVX_INLINE LaneMask isNormal(Lanes magnitude)
+{
+    return isAtMost(allLanes(0x1p-1022), magnitude) & isBelow(magnitude, allLanes(__builtin_inf()));
+}
+
 // The elements of a triple: as above, and an x with the exponent field 0 counts as
 // 1.fraction * 2^-1023, unless its high word is all zero, when the root is 0.0.
 // Deliberate: so do zeros and subnormals, infinities and NaNs come out of the

@@ -39,6 +39,15 @@ RVX_INLINE std::ptrdiff_t doublesPastLine(const void *p)
 // Blocks shorter than this gain nothing from stores in step with the lanes.
 constexpr std::ptrdiff_t RVX_WORTH_A_HEAD = 32;
 
+// What an operation does to sixteen elements in a row; one that can save work by
+// looking at all of them has an overload.
+template <typename Op>
+RVX_INLINE void applyToFour(Op &op, Lanes (&x)[4])
+{
+    for (int j = 0; j < 4; ++j)
+        x[j] = op(x[j]);
+}
+
 // dst[i] = op(src[i]), with Lanes op(Lanes)
 template <typename Op>
 RVX_INLINE void walkReal(const double *src, double *dst, std::ptrdiff_t n, Op &op)
@@ -50,14 +59,11 @@ RVX_INLINE void walkReal(const double *src, double *dst, std::ptrdiff_t n, Op &o
         storeSome(dst, op(loadSome(src, i)), i);
     }
     for (; n - i >= 16; i += 16) {
-        const Lanes r0 = op(loadLanes(src + i));
-        const Lanes r1 = op(loadLanes(src + i + 4));
-        const Lanes r2 = op(loadLanes(src + i + 8));
-        const Lanes r3 = op(loadLanes(src + i + 12));
-        storeLanes(dst + i, r0);
-        storeLanes(dst + i + 4, r1);
-        storeLanes(dst + i + 8, r2);
-        storeLanes(dst + i + 12, r3);
+        Lanes x[4] = {loadLanes(src + i), loadLanes(src + i + 4), loadLanes(src + i + 8),
+                      loadLanes(src + i + 12)};
+        applyToFour(op, x);
+        for (int j = 0; j < 4; ++j)
+            storeLanes(dst + i + 4 * j, x[j]);
     }
     for (; n - i >= 4; i += 4)
         storeLanes(dst + i, op(loadLanes(src + i)));
@@ -102,6 +108,13 @@ RVX_INLINE void storeSomeOfFour(ZCplx *p, CplxLanes z, std::ptrdiff_t count)
         p[2] = {z.re.v[1], z.im.v[1]};
 }
 
+template <typename Op>
+RVX_INLINE void applyToFour(Op &op, CplxLanes (&z)[4])
+{
+    for (int j = 0; j < 4; ++j)
+        z[j] = op(z[j]);
+}
+
 // dst[i] = op(src[i]), with CplxLanes op(CplxLanes)
 template <typename Op>
 RVX_INLINE void walkCplx(const ZCplx *src, ZCplx *dst, std::ptrdiff_t n, Op &op)
@@ -111,11 +124,12 @@ RVX_INLINE void walkCplx(const ZCplx *src, ZCplx *dst, std::ptrdiff_t n, Op &op)
         storeSomeOfFour(dst, op(loadSomeOfFour(src, 1)), 1);
         i = 1;
     }
-    for (; n - i >= 8; i += 8) {
-        const CplxLanes r0 = op(loadFour(src + i));
-        const CplxLanes r1 = op(loadFour(src + i + 4));
-        storeFour(dst + i, r0);
-        storeFour(dst + i + 4, r1);
+    for (; n - i >= 16; i += 16) {
+        CplxLanes z[4] = {loadFour(src + i), loadFour(src + i + 4), loadFour(src + i + 8),
+                          loadFour(src + i + 12)};
+        applyToFour(op, z);
+        for (int j = 0; j < 4; ++j)
+            storeFour(dst + i + 4 * j, z[j]);
     }
     for (; n - i >= 4; i += 4)
         storeFour(dst + i, op(loadFour(src + i)));
