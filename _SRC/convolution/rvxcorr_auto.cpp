@@ -59,16 +59,22 @@ void addPackedNeighbours(const ZCplx *x, const ZCplx *y, ZCplx *acc, std::int64_
 // and what a block's samples and their spectrum are.
 struct RealForm {
     static constexpr int shorter = 1;
+    using Tables = CorrTables;
 
-    static bool moreTables(int order) { return rvxFindFftTwdTbl(order + 1) != nullptr; }
+    static bool obtain(int order, Tables *tables)
+    {
+        return ownObtainTables(order + 1, {false, true, true}, tables);
+    }
+
+    static void drop(const Tables &tables) { ownDropTables(tables); }
 
     static void transform(const AutoTask<double> &task, std::int64_t begin, std::int64_t end,
-                          int order, const ZCplx *table, ZCplx *dst)
+                          int order, const Tables &tables, ZCplx *dst)
     {
         const int n = 1 << order;
         ownCopyPiece(task.src, 0, end, begin, &dst->re, 2 * std::int64_t{n});
-        rvxFftDif(dst, n, 1, table);
-        rvxRealSplitFwd(dst, order, RVX_SPLIT_FLAGS);
+        rvxFftDifByFactors(dst, n, 1, tables.half, 1.0);
+        rvxSplitReversed(dst, order, tables.firstQuarter);
     }
 
     static void set(const ZCplx *y, ZCplx *acc, std::int64_t n) { setPackedPowers(y, acc, n); }
@@ -78,31 +84,35 @@ struct RealForm {
         addPackedNeighbours(x, y, acc, n);
     }
 
-    static const double *finish(ZCplx *acc, int order, const ZCplx *table)
+    static const double *finish(ZCplx *acc, int order, const Tables &tables)
     {
-        rvxRealSplitInv(acc, order, RVX_JOIN_FLAGS);
-        rvxFftDit(acc, 1 << order, -1, table);
+        rvxJoinReversed(acc, order, tables.circleEnd);
+        rvxFftDitByFactors(acc, 1 << order, -1, tables.half, 1.0);
         return &acc->re;
-    }
-
-    static void dropTables()
-    {
-        rvxFreeTwdTables();
-        rvxFreeBitRevTables();
     }
 };
 
 struct ComplexForm {
     static constexpr int shorter = 0;
+    struct Tables {
+        const ZCplx *forward, *back;
+    };
 
-    static bool moreTables(int) { return true; }
+    // They stay in the thread, but for those of bit reversal: deliberate.
+    static bool obtain(int order, Tables *tables)
+    {
+        *tables = {rvxGetFftTwdDif(order), rvxGetFftTwdDit(order)};
+        return tables->forward != nullptr && tables->back != nullptr;
+    }
+
+    static void drop(const Tables &) { rvxFreeBitRevTables(); }
 
     static void transform(const AutoTask<ZCplx> &task, std::int64_t begin, std::int64_t end,
-                          int order, const ZCplx *table, ZCplx *dst)
+                          int order, const Tables &tables, ZCplx *dst)
     {
         const int n = 1 << order;
         ownCopyPiece(task.src, 0, end, begin, dst, n);
-        rvxFftDif(dst, n, 1, table);
+        rvxFftDif(dst, n, 1, tables.forward);
     }
 
     static void set(const ZCplx *y, ZCplx *acc, std::int64_t n) { setPowers(y, acc, n); }
@@ -112,13 +122,11 @@ struct ComplexForm {
         addNeighbours(x, y, acc, n);
     }
 
-    static const ZCplx *finish(ZCplx *acc, int order, const ZCplx *table)
+    static const ZCplx *finish(ZCplx *acc, int order, const Tables &tables)
     {
-        rvxFftDit(acc, 1 << order, -1, table);
+        rvxFftDit(acc, 1 << order, -1, tables.back);
         return acc;
     }
-
-    static void dropTables() { rvxFreeBitRevTables(); }
 };
 
 double weight(double scale, std::int64_t len, std::int64_t k, int corrType)
@@ -149,24 +157,23 @@ bool autoBlocks(const AutoTask<Sample> &task, int corrType)
     const std::int64_t n = std::int64_t{1} << order;
     if (!ownObtainBuffers(n, n, n, &buffers))
         return false;
-    const ZCplx *forward = rvxGetFftTwdDif(order);
-    const ZCplx *back = rvxGetFftTwdDit(order);
-    const bool there = forward != nullptr && back != nullptr && Form::moreTables(order);
+    typename Form::Tables tables;
+    const bool there = Form::obtain(order, &tables);
     if (there) {
         std::int64_t begin = (blocks.count - 1) * blocks.half;
-        Form::transform(task, begin, task.len, order, forward, buffers.y);
+        Form::transform(task, begin, task.len, order, tables, buffers.y);
         Form::set(buffers.y, buffers.acc, n);
         for (; begin > 0; begin -= blocks.half) {
-            Form::transform(task, begin - blocks.half, begin, order, forward, buffers.x);
+            Form::transform(task, begin - blocks.half, begin, order, tables, buffers.x);
             Form::add(buffers.x, buffers.y, buffers.acc, n);
             std::swap(buffers.x, buffers.y);
         }
-        const Sample *sums = Form::finish(buffers.acc, order, back);
+        const Sample *sums = Form::finish(buffers.acc, order, tables);
         const double scale = 1.0 / static_cast<double>(blocks.whole);
         for (std::int64_t k = 0; k < task.lags; ++k)
             task.dst[k] = scaled(sums[k], weight(scale, task.len, k, corrType));
     }
-    Form::dropTables();
+    Form::drop(tables);
     ownReleaseBuffers(buffers);
     return there;
 }

@@ -13,7 +13,6 @@
 #include "convolution/rvxfir2.h"
 #include "frame/rvxbuffer.h"
 #include "transform/rvxfftd.h"
-#include "transform/rvxmisc.h"
 #include "transform/rvxtwd.h"
 #include "vector/rvxarith.h"
 
@@ -225,13 +224,6 @@ RVX_KERNEL void addConjugateProducts(const ZCplx *x, const ZCplx *y, ZCplx *acc,
 
 // ---- the frame --------------------------------------------------------------
 
-// The tables of these forms do not stay in the thread.
-void dropTables()
-{
-    rvxFreeTwdTables();
-    rvxFreeBitRevTables();
-}
-
 int lengthOf(std::int64_t n)
 {
     return static_cast<int>(n);
@@ -289,24 +281,21 @@ bool mixedBlocks(const CrossTask<A, B> &task, AddProducts addProducts)
     CorrBuffers buffers;
     if (blocks.order > RVX_CORR_MAX_ORDER || !ownObtainBuffers(half, n, n, &buffers))
         return false;
-    const ZCplx *forward = rvxGetFftTwdDif(blocks.order);
-    const ZCplx *forwardHalf = rvxGetFftTwdDif(blocks.order - 1);
-    const ZCplx *back = rvxGetFftTwdDit(blocks.order);
-    const bool there = forward != nullptr && forwardHalf != nullptr && back != nullptr &&
-                       rvxFindFftTwdTbl(blocks.order) != nullptr;
+    CorrTables tables;
+    const bool there = ownObtainTables(blocks.order, {true, true, false}, &tables);
     if (there) {
         std::fill(buffers.acc, buffers.acc + n, ZCplx{});
         for (std::int64_t begin = 0; begin < task.len1; begin += half) {
             copyPieces(task, blocks, begin, buffers);
-            rvxFftDif(buffers.x, half, 1, forwardHalf);
-            rvxRealSplitFwd(buffers.x, blocks.order - 1, RVX_SPLIT_FLAGS);
-            rvxFftDif(buffers.y, n, 1, forward);
+            rvxFftDifByFactors(buffers.x, half, 1, tables.half, 1.0);
+            rvxSplitReversed(buffers.x, blocks.order - 1, tables.firstQuarter);
+            rvxFftDifByFactors(buffers.y, n, 1, tables.whole, 1.0);
             addProducts(buffers.x, buffers.y, buffers.acc, half);
         }
-        rvxFftDit(buffers.acc, n, -1, back);
+        rvxFftDitByFactors(buffers.acc, n, -1, tables.whole, 1.0);
         putLags(buffers.acc, n, task.lags, task.dst);
     }
-    dropTables();
+    ownDropTables(tables);
     ownReleaseBuffers(buffers);
     return there;
 }
@@ -363,22 +352,20 @@ bool ownCrossBlocks(const CrossTask<double, double> &task)
     CorrBuffers buffers;
     if (blocks.order > RVX_CORR_MAX_ORDER || !ownObtainBuffers(n, 0, half, &buffers))
         return false;
-    const ZCplx *forward = rvxGetFftTwdDif(blocks.order);
-    const ZCplx *back = rvxGetFftTwdDit(blocks.order - 1);
-    const bool there =
-        forward != nullptr && back != nullptr && rvxFindFftTwdTbl(blocks.order) != nullptr;
+    CorrTables tables;
+    const bool there = ownObtainTables(blocks.order, {true, false, true}, &tables);
     if (there) {
         std::fill(buffers.acc, buffers.acc + half, ZCplx{});
         for (std::int64_t begin = 0; begin < task.len1; begin += half) {
             packPieces(task, blocks, begin, buffers.x);
-            rvxFftDif(buffers.x, n, 1, forward);
+            rvxFftDifByFactors(buffers.x, n, 1, tables.whole, 1.0);
             addPackedProducts(buffers.x, buffers.acc, half);
         }
-        rvxRealSplitInv(buffers.acc, blocks.order - 1, RVX_JOIN_FLAGS);
-        rvxFftDit(buffers.acc, half, -1, back);
+        rvxJoinReversed(buffers.acc, blocks.order - 1, tables.circleEnd);
+        rvxFftDitByFactors(buffers.acc, half, -1, tables.half, 1.0);
         putLags(&buffers.acc->re, n, task.lags, task.dst);
     }
-    dropTables();
+    ownDropTables(tables);
     ownReleaseBuffers(buffers);
     return there;
 }

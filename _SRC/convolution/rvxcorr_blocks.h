@@ -7,6 +7,7 @@
 
 #include "frame/rvxlanes.h"
 #include "rvx.h"
+#include "transform/rvxfftd_plan.h"
 
 // Blocks overlap by half: 2^order elements, of which half hold the first sequence's
 // piece and as many lags at most come out right.
@@ -22,9 +23,6 @@ CorrBlocks ownCorrBlocks(std::int64_t len, std::int64_t lags);
 // The longest transforms that have tables.
 constexpr int RVX_CORR_MAX_ORDER = 28;
 
-constexpr int RVX_SPLIT_FLAGS = RVX_FFT_FORWARD | RVX_FFT_OUT_BIT_REV;
-constexpr int RVX_JOIN_FLAGS = RVX_FFT_INVERSE | RVX_FFT_NO_SCALE | RVX_FFT_IN_BIT_REV;
-
 struct CorrBuffers {
     ZCplx *block;
     ZCplx *x;
@@ -36,6 +34,25 @@ struct CorrBuffers {
 bool ownObtainBuffers(std::int64_t xLen, std::int64_t yLen, std::int64_t accLen,
                       CorrBuffers *buffers);
 void ownReleaseBuffers(const CorrBuffers &buffers);
+
+// What the forms whose tables do not stay read of them and no more, N being 2^order.
+struct CorrTables {
+    ZCplx *block;
+    FftFactors whole;          // of N points
+    FftFactors half;           // of N/2 points
+    const ZCplx *firstQuarter; // W(N,k) at firstQuarter[k], 0 < k < N/4
+    const ZCplx *circleEnd;    // and at circleEnd[k - N], 3N/4 < k < N
+};
+
+// Which of them, beside `half`.
+struct CorrNeeds {
+    bool whole, firstQuarter, lastQuarter;
+};
+
+// False without memory. Order 5 and above.
+bool ownObtainTables(int order, CorrNeeds needs, CorrTables *tables);
+// Releases them and, as these forms do, the tables that stand in the thread.
+void ownDropTables(const CorrTables &tables);
 
 // dst[i] = src[begin + i] where that index is in [first, len), zero elsewhere.
 void ownCopyPiece(const double *src, std::int64_t first, std::int64_t len, std::int64_t begin,

@@ -19,4 +19,10 @@ void rvxRealSplitFwd(ZCplx *z, int order, int flags);
 // complex values takes. With RVX_FFT_IN_BIT_REV in bit-reversed order.
 void rvxRealSplitInv(ZCplx *z, int order, int flags);
 
+// The first with the forward kernel and the second with the conjugate one, both in
+// bit-reversed order, for n of 4 and more, by factors that the caller has: W(2n,k) at
+// firstQuarter[k] and at circleEnd[k - 2n], of a quarter of the circle each.
+void rvxSplitReversed(ZCplx *z, int order, const ZCplx *firstQuarter);
+void rvxJoinReversed(ZCplx *z, int order, const ZCplx *circleEnd);
+
 #endif

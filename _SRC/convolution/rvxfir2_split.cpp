@@ -137,6 +137,20 @@ void turnFirst(ZCplx *z)
 
 } // namespace
 
+void rvxSplitReversed(ZCplx *z, int order, const ZCplx *firstQuarter)
+{
+    splitLineReversed(z, order, {firstQuarter, 1});
+    turnFirst(z);
+    z[1].im = -z[1].im;
+}
+
+void rvxJoinReversed(ZCplx *z, int order, const ZCplx *circleEnd)
+{
+    joinLineReversed(z, order, {circleEnd, -1});
+    turnFirst(z);
+    z[1] = {2.0 * z[1].re, -(2.0 * z[1].im)};
+}
+
 void rvxRealSplitFwd(ZCplx *z, int order, int flags)
 {
     const bool reversed = (flags & RVX_FFT_OUT_BIT_REV) != 0;

@@ -11,6 +11,7 @@
 #include <cstdint>
 
 #include "rvx.h"
+#include "transform/rvxfftd_plan.h"
 
 // Bit-reversed input to natural output, in place.
 void rvxFftDit(ZCplx *data, int N, int direction, const ZCplx *twiddles);
@@ -26,6 +27,10 @@ void rvxrFftDif(double *re, double *im, int N, int direction, const ZCplx *twidd
 void rvxFftDifScaled(ZCplx *data, int N, int direction, const ZCplx *twiddles, double scale);
 void rvxrFftDifScaled(double *re, double *im, int N, int direction, const ZCplx *twiddles,
                       double scale);
+
+// Both from factors alone, for N of 16 and more.
+void rvxFftDitByFactors(ZCplx *data, int N, int direction, FftFactors factors, double scale);
+void rvxFftDifByFactors(ZCplx *data, int N, int direction, FftFactors factors, double scale);
 
 // Natural order both ways: reversal and Dit in one. N of 2 and more; dst is src or
 // does not overlap it, and in the split form likewise each part. Twiddles as for Dit.

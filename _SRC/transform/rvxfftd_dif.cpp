@@ -82,23 +82,25 @@ struct Runs {
 
 } // namespace
 
-void rvxFftDifScaled(ZCplx *data, int N, int direction, const ZCplx *twiddles, double scale)
+void rvxFftDifByFactors(ZCplx *data, int N, int direction, FftFactors factors, double scale)
 {
     double *p = &data->re;
     const bool inverse = direction < 0;
-    const int order = rvxOrderOf(N);
+    if (N <= RVX_KERNEL_LEN)
+        (inverse ? difInverse : difForward)(p, N, rvxFirstRadix(rvxOrderOf(N)), factors.kernel,
+                                            scale);
+    else
+        rvxSplitBlocks(Runs{p, inverse, factors.kernel, scale}, N, factors.sweeps);
+}
+
+void rvxFftDifScaled(ZCplx *data, int N, int direction, const ZCplx *twiddles, double scale)
+{
     if (N == 1)
         return;
-    if (N <= 8) {
-        rvxFftShort(data, data, N, inverse, false, true, scale);
-        return;
-    }
-    if (N <= RVX_KERNEL_LEN) {
-        (inverse ? difInverse : difForward)(p, N, rvxFirstRadix(order),
-                                            rvxDifFactors(twiddles, order), scale);
-        return;
-    }
-    rvxSplitBlocks(Runs{p, inverse, rvxDifBlockFactors(), scale}, N, twiddles);
+    if (N <= 8)
+        rvxFftShort(data, data, N, direction < 0, false, true, scale);
+    else
+        rvxFftDifByFactors(data, N, direction, rvxDifFactorsOf(twiddles, rvxOrderOf(N)), scale);
 }
 
 void rvxFftDif(ZCplx *data, int N, int direction, const ZCplx *twiddles)

@@ -181,20 +181,25 @@ struct Runs {
 
 } // namespace
 
-void rvxFftDitScaled(ZCplx *data, int N, int direction, const ZCplx *twiddles, double scale)
+void rvxFftDitByFactors(ZCplx *data, int N, int direction, FftFactors factors, double scale)
 {
     double *p = &data->re;
     const bool inverse = direction < 0;
-    const int order = rvxOrderOf(N);
+    if (N <= RVX_KERNEL_LEN)
+        (inverse ? ditInverse : ditForward)(p, N, rvxFirstRadix(rvxOrderOf(N)), factors.kernel,
+                                            scale);
+    else
+        rvxMergeBlocks(Runs{p, inverse, false, factors.kernel, scale}, N, factors.sweeps);
+}
+
+void rvxFftDitScaled(ZCplx *data, int N, int direction, const ZCplx *twiddles, double scale)
+{
     if (N == 1)
         return;
     if (N <= 8)
-        rvxFftShort(data, data, N, inverse, true, false, scale);
-    else if (N <= RVX_KERNEL_LEN)
-        (inverse ? ditInverse : ditForward)(p, N, rvxFirstRadix(order),
-                                            rvxDitFactors(twiddles, order), scale);
+        rvxFftShort(data, data, N, direction < 0, true, false, scale);
     else
-        rvxMergeBlocks(Runs{p, inverse, false, rvxDitBlockFactors(), scale}, N, twiddles);
+        rvxFftDitByFactors(data, N, direction, rvxDitFactorsOf(twiddles, rvxOrderOf(N)), scale);
 }
 
 void rvxFftDit(ZCplx *data, int N, int direction, const ZCplx *twiddles)
@@ -222,5 +227,6 @@ void rvxFftNatural(const ZCplx *src, ZCplx *dst, int N, int direction, const ZCp
         (inverse ? ditColumnsInPlaceInverse : ditColumnsInPlaceForward)(to, N);
     else
         (inverse ? ditColumnsInverse : ditColumnsForward)(from, to, N);
-    rvxMergeBlocks(Runs{to, inverse, true, rvxDitBlockFactors(), scale}, N, twiddles);
+    const FftFactors factors = rvxDitFactorsOf(twiddles, order);
+    rvxMergeBlocks(Runs{to, inverse, true, factors.kernel, scale}, N, factors.sweeps);
 }

@@ -25,15 +25,30 @@ inline const double *rvxDifBlockFactors()
     return rvxDifFactors(rvxGetFftTwdDif(RVX_KERNEL_ORDER), RVX_KERNEL_ORDER);
 }
 
+// For N of 16 and more.
+inline FftFactors rvxDitFactorsOf(const ZCplx *twiddles, int order)
+{
+    if (order <= RVX_KERNEL_ORDER)
+        return {rvxDitFactors(twiddles, order), nullptr};
+    return {rvxDitBlockFactors(), rvxLargeFactors(twiddles, order)};
+}
+
+inline FftFactors rvxDifFactorsOf(const ZCplx *twiddles, int order)
+{
+    if (order <= RVX_KERNEL_ORDER)
+        return {rvxDifFactors(twiddles, order), nullptr};
+    return {rvxDifBlockFactors(), rvxLargeFactors(twiddles, order)};
+}
+
 // Joins kernels of 512 points, finished one after the other, as soon as all that a
 // sweep needs is there: short transforms are joined while they are in the cache.
 // Runs.block(start) makes a kernel, Runs.sweep(start, sweep) joins, and
 // Runs.lastSweep(sweep) makes the result.
 template <typename Runs>
-void rvxMergeBlocks(Runs runs, int N, const ZCplx *largeTable)
+void rvxMergeBlocks(Runs runs, int N, const double *factors)
 {
     Sweep sweeps[RVX_MAX_SWEEPS];
-    const int count = rvxPlanSweeps(rvxOrderOf(N), largeTable, sweeps);
+    const int count = rvxPlanSweeps(rvxOrderOf(N), factors, sweeps);
     for (int start = 0; start < N; start += RVX_KERNEL_LEN) {
         runs.block(start);
         const int end = start + RVX_KERNEL_LEN;
@@ -45,10 +60,10 @@ void rvxMergeBlocks(Runs runs, int N, const ZCplx *largeTable)
 
 // The mirror image.
 template <typename Runs>
-void rvxSplitBlocks(Runs runs, int N, const ZCplx *largeTable)
+void rvxSplitBlocks(Runs runs, int N, const double *factors)
 {
     Sweep sweeps[RVX_MAX_SWEEPS];
-    const int count = rvxPlanSweeps(rvxOrderOf(N), largeTable, sweeps);
+    const int count = rvxPlanSweeps(rvxOrderOf(N), factors, sweeps);
     runs.firstSweep(sweeps[count - 1]);
     for (int start = 0; start < N; start += RVX_KERNEL_LEN) {
         for (int s = count - 2; s >= 0; --s)

@@ -67,6 +67,18 @@ inline const double *rvxDifFactors(const ZCplx *table, int order)
     return &table[rvxDifTableLen(order)].re;
 }
 
+inline const double *rvxLargeFactors(const ZCplx *table, int order)
+{
+    return &table[rvxLargeTableLen(order)].re;
+}
+
+// What the passes of one order read, in tables or without such around them. The
+// factors of decimation in time and in frequency are the same.
+struct FftFactors {
+    const double *kernel; // of the order; above 9, of order 9
+    const double *sweeps; // above 9
+};
+
 // The number of radix-2 passes, 1 to 3, in the sweep that starts from transforms
 // of 2^level points. Four that are left make two sweeps of two.
 inline int rvxSweepDepth(int order, int level)
@@ -92,9 +104,8 @@ struct Sweep {
 };
 
 // All sweeps of an order above 9, from the shortest; gives their number.
-inline int rvxPlanSweeps(int order, const ZCplx *largeTable, Sweep *sweeps)
+inline int rvxPlanSweeps(int order, const double *factors, Sweep *sweeps)
 {
-    const double *factors = &largeTable[rvxLargeTableLen(order)].re;
     int count = 0;
     for (int level = RVX_KERNEL_ORDER; level < order; level += sweeps[count++].depth) {
         sweeps[count] = {1 << level, rvxSweepDepth(order, level), factors};

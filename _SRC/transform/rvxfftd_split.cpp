@@ -121,7 +121,8 @@ void rvxrFftDitScaled(double *re, double *im, int N, int direction, const ZCplx 
     else if (N <= RVX_KERNEL_LEN)
         splitDit(re, im, N, rvxFirstRadix(order), rvxDitFactors(twiddles, order), scale);
     else
-        rvxMergeBlocks(DitRuns{re, im, false, rvxDitBlockFactors(), scale}, N, twiddles);
+        rvxMergeBlocks(DitRuns{re, im, false, rvxDitBlockFactors(), scale}, N,
+                       rvxLargeFactors(twiddles, order));
 }
 
 void rvxrFftDit(double *re, double *im, int N, int direction, const ZCplx *twiddles)
@@ -144,7 +145,8 @@ void rvxrFftNatural(const double *reSrc, const double *imSrc, double *reDst, dou
                      rvxDitFactors(twiddles, order), scale);
     } else {
         splitColumns(reSrc, imSrc, reDst, imDst, N);
-        rvxMergeBlocks(DitRuns{reDst, imDst, true, rvxDitBlockFactors(), scale}, N, twiddles);
+        rvxMergeBlocks(DitRuns{reDst, imDst, true, rvxDitBlockFactors(), scale}, N,
+                       rvxLargeFactors(twiddles, order));
     }
 }
 
@@ -161,7 +163,8 @@ void rvxrFftDifScaled(double *re, double *im, int N, int direction, const ZCplx 
     else if (N <= RVX_KERNEL_LEN)
         splitDif(re, im, N, rvxFirstRadix(order), rvxDifFactors(twiddles, order), scale);
     else
-        rvxSplitBlocks(DifRuns{re, im, rvxDifBlockFactors(), scale}, N, twiddles);
+        rvxSplitBlocks(DifRuns{re, im, rvxDifBlockFactors(), scale}, N,
+                       rvxLargeFactors(twiddles, order));
 }
 
 void rvxrFftDif(double *re, double *im, int N, int direction, const ZCplx *twiddles)

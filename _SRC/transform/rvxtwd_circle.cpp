@@ -231,37 +231,48 @@ RVX_INLINE void storeRoots(ZCplx *p, const Roots &roots)
     storeLanes(p + 2, interleaveHigh(roots.re, roots.im));
 }
 
-// The arc that begins at index `begin` in all four quarters, from both ends. What
+// Four values of the arc that begins at index `begin`, in quarter q from both ends. What
 // belongs to the corners, or stands behind the arc, is not written.
+RVX_INLINE void putInQuarter(const Arc &arc, int j, std::int64_t begin, int values, int q, ZCplx *p,
+                             std::int64_t quarter)
+{
+    const Roots after = rootsAfterCorner(arc, q, j);
+    const Roots before = rootsBeforeCorner(arc, q + 1, j);
+    ZCplx *up = p + (begin + j);
+    ZCplx *down = p + (quarter - begin - j - 3);
+    const int from = begin + j == 0 ? 1 : 0, to = values - j;
+    if (from == 0 && to >= 4) {
+        storeRoots(up, after);
+        storeRoots(down, before);
+        return;
+    }
+    if (from == 0 && to == 2) {
+        storeLanes(up, interleaveLow(after.re, after.im));
+        storeLanes(down + 2, interleaveHigh(before.re, before.im));
+        return;
+    }
+    ZCplx ups[4], downs[4];
+    storeRoots(ups, after);
+    storeRoots(downs, before);
+    for (int i = from; i < to && i < 4; ++i) {
+        up[i] = ups[i];
+        down[3 - i] = downs[3 - i];
+    }
+}
+
 RVX_KERNEL void putRoots(const Arc &arc, std::int64_t begin, int values, ZCplx *tbl,
                          std::int64_t quarter)
 {
-    const int first = begin == 0;
     for (int j = 0; j < values; j += 4)
-        for (int q = 0; q < 4; ++q) {
-            const Roots after = rootsAfterCorner(arc, q, j);
-            const Roots before = rootsBeforeCorner(arc, q + 1, j);
-            ZCplx *up = tbl + (q * quarter + begin + j);
-            ZCplx *down = tbl + ((q + 1) * quarter - begin - j - 3);
-            const int from = j == 0 ? first : 0, to = values - j;
-            if (from == 0 && to >= 4) {
-                storeRoots(up, after);
-                storeRoots(down, before);
-                continue;
-            }
-            if (from == 0 && to == 2) {
-                storeLanes(up, interleaveLow(after.re, after.im));
-                storeLanes(down + 2, interleaveHigh(before.re, before.im));
-                continue;
-            }
-            ZCplx ups[4], downs[4];
-            storeRoots(ups, after);
-            storeRoots(downs, before);
-            for (int i = from; i < to && i < 4; ++i) {
-                up[i] = ups[i];
-                down[3 - i] = downs[3 - i];
-            }
-        }
+        for (int q = 0; q < 4; ++q)
+            putInQuarter(arc, j, begin, values, q, tbl + q * quarter, quarter);
+}
+
+RVX_KERNEL void putQuarterRoots(const Arc &arc, std::int64_t begin, int values, int q, ZCplx *p,
+                                std::int64_t quarter)
+{
+    for (int j = 0; j < values; j += 4)
+        putInQuarter(arc, j, begin, values, q, p, quarter);
 }
 
 } // namespace
@@ -301,4 +312,13 @@ void rvxFillCircle(ZCplx *tbl, int order)
         forArcs(order, [=](std::int64_t begin, const Arc &arc, int values) {
             putRoots(arc, begin, values, tbl, n / 4);
         });
+}
+
+void rvxFillCircleQuarter(ZCplx *p, int order, int q)
+{
+    const std::int64_t n = std::int64_t{1} << order;
+    p[n / 8] = RVX_EIGHTH_TURNS[2 * q + 1];
+    forArcs(order, [=](std::int64_t begin, const Arc &arc, int values) {
+        putQuarterRoots(arc, begin, values, q, p, n / 4);
+    });
 }
