@@ -30,6 +30,11 @@ void copyPiece(const Sample *src, std::int64_t first, std::int64_t len, std::int
     std::fill(dst + to, dst + n, Sample{});
 }
 
+int lengthOf(std::int64_t n)
+{
+    return static_cast<int>(n);
+}
+
 // ---- both real pieces in one complex transform ------------------------------
 
 RVX_INLINE Lanes someOf(const double *p, std::int64_t i, bool there)
@@ -89,8 +94,8 @@ void packPieces(const CrossTask<double, double> &task, const CorrBlocks &blocks,
             interleaveReal(task.src1 + (begin + from), dst + from, to - from);
         else if (imThere)
             interleaveImaginary(task.src2 + (begin2 + from), dst + from, to - from);
-        else
-            std::fill(dst + from, dst + to, ZCplx{});
+        else if (from < to)
+            rvxzbZero(dst + from, lengthOf(to - from));
         from = to;
     }
 }
@@ -224,11 +229,6 @@ RVX_KERNEL void addConjugateProducts(const ZCplx *x, const ZCplx *y, ZCplx *acc,
 
 // ---- the frame --------------------------------------------------------------
 
-int lengthOf(std::int64_t n)
-{
-    return static_cast<int>(n);
-}
-
 // Buffers and tables come and go with each call. A block of 128 KB to 32 MB has the C
 // library keep twice its size from then on, where it would give memory back to the
 // system and fetch it anew in each call, which may take longer than the transforms. So
@@ -240,18 +240,20 @@ std::int64_t roomFor(std::int64_t len)
 }
 
 // The cyclic correlation's first values, which are the lags.
+RVX_KERNEL void scaleSums(const double *sums, double scale, std::int64_t count, double *dst)
+{
+    for (std::int64_t j = 0; j < count; ++j)
+        dst[j] = sums[j] * scale;
+}
+
 void putLags(const double *sums, std::int64_t n, std::int64_t lags, double *dst)
 {
-    const double scale = 1.0 / static_cast<double>(n);
-    for (std::int64_t j = 0; j < lags; ++j)
-        dst[j] = sums[j] * scale;
+    scaleSums(sums, 1.0 / static_cast<double>(n), lags, dst);
 }
 
 void putLags(const ZCplx *sums, std::int64_t n, std::int64_t lags, ZCplx *dst)
 {
-    const double scale = 1.0 / static_cast<double>(n);
-    for (std::int64_t j = 0; j < lags; ++j)
-        dst[j] = {sums[j].re * scale, sums[j].im * scale};
+    scaleSums(&sums->re, 1.0 / static_cast<double>(n), 2 * lags, &dst->re);
 }
 
 // The mixed forms: the real sequence's pieces go to x, the complex one's to y.
@@ -284,7 +286,7 @@ bool mixedBlocks(const CrossTask<A, B> &task, AddProducts addProducts)
     CorrTables tables;
     const bool there = ownObtainTables(blocks.order, {true, true, false}, &tables);
     if (there) {
-        std::fill(buffers.acc, buffers.acc + n, ZCplx{});
+        rvxzbZero(buffers.acc, n);
         for (std::int64_t begin = 0; begin < task.len1; begin += half) {
             copyPieces(task, blocks, begin, buffers);
             rvxFftDifByFactors(buffers.x, half, 1, tables.half, 1.0);
@@ -355,7 +357,7 @@ bool ownCrossBlocks(const CrossTask<double, double> &task)
     CorrTables tables;
     const bool there = ownObtainTables(blocks.order, {true, false, true}, &tables);
     if (there) {
-        std::fill(buffers.acc, buffers.acc + half, ZCplx{});
+        rvxzbZero(buffers.acc, half);
         for (std::int64_t begin = 0; begin < task.len1; begin += half) {
             packPieces(task, blocks, begin, buffers.x);
             rvxFftDifByFactors(buffers.x, n, 1, tables.whole, 1.0);
@@ -383,7 +385,7 @@ bool ownCrossBlocks(const CrossTask<ZCplx, ZCplx> &task)
     const ZCplx *back = rvxGetFftTwdDit(blocks.order);
     const bool there = forward != nullptr && back != nullptr;
     if (there) {
-        std::fill(buffers.acc, buffers.acc + n, ZCplx{});
+        rvxzbZero(buffers.acc, n);
         for (std::int64_t begin = 0; begin < task.len1; begin += blocks.half) {
             const std::int64_t end = std::min(task.len1, begin + blocks.half);
             ownCopyPiece(task.src1, 0, end, begin, buffers.x, n);

@@ -48,20 +48,7 @@ struct Room {
         rvxFillSweepFactors(factors, wave, order);
         return factors;
     }
-    const ZCplx *takeQuarter(int order, int q)
-    {
-        ZCplx *roots = take((std::uint64_t{1} << order) / 4);
-        rvxFillCircleQuarter(roots, order, q);
-        return roots;
-    }
 };
-
-QuarterWave makeWave(double *sine, int order)
-{
-    const std::int64_t n = std::int64_t{1} << order;
-    rvxFillSineQuarter(sine, order);
-    return {sine, n / 4, n / 2};
-}
 
 } // namespace
 
@@ -78,17 +65,23 @@ bool ownObtainTables(int order, CorrNeeds needs, CorrTables *tables)
     if (tables->block == nullptr)
         return false;
     Room room = {tables->block};
-    const QuarterWave wave = makeWave(&room.take(sineLen)->re, waveOrder);
+    double *sine = &room.take(sineLen)->re;
+    ZCplx *firstQuarter = needs.firstQuarter ? room.take(quarter) : nullptr;
+    ZCplx *lastQuarter = needs.lastQuarter ? room.take(quarter) : nullptr;
+    rvxFillCircleParts({needs.whole ? sine : nullptr, firstQuarter, lastQuarter}, order);
+    if (!needs.whole)
+        rvxFillSineQuarter(sine, order - 1);
+    const std::int64_t n = std::int64_t{1} << waveOrder;
+    const QuarterWave wave = {sine, n / 4, n / 2};
     tables->half = {room.takeKernel(wave, kernelOrder(order - 1)),
                     room.takeSweeps(wave, order - 1)};
     if (needs.whole)
         tables->whole = {order > RVX_KERNEL_ORDER ? tables->half.kernel
                                                   : room.takeKernel(wave, order),
                          room.takeSweeps(wave, order)};
-    if (needs.firstQuarter)
-        tables->firstQuarter = room.takeQuarter(order, 0);
+    tables->firstQuarter = firstQuarter;
     if (needs.lastQuarter)
-        tables->circleEnd = room.takeQuarter(order, 3) + quarter;
+        tables->circleEnd = lastQuarter + quarter;
     return true;
 }
 

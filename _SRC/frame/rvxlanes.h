@@ -289,6 +289,12 @@ RVX_INLINE Lanes reversed(Lanes a)
     return {__builtin_shufflevector(a.v, a.v, 3, 2, 1, 0)};
 }
 
+// (a0, a2, a1, a3)
+RVX_INLINE Lanes swapMiddle(Lanes a)
+{
+    return {__builtin_shufflevector(a.v, a.v, 0, 2, 1, 3)};
+}
+
 // (0, 0, 1, 1) and (2, 2, 3, 3): a real factor for both parts of complex values
 RVX_INLINE Lanes lowTwice(Lanes a)
 {

@@ -88,11 +88,6 @@ RVX_INLINE Lanes highHalves(Lanes a, Lanes b)
     return {__builtin_shufflevector(a.v, b.v, 2, 3, 6, 7)};
 }
 
-RVX_INLINE Lanes swapMiddle(Lanes a)
-{
-    return {__builtin_shufflevector(a.v, a.v, 0, 2, 1, 3)};
-}
-
 // Lane l of each of the four, in the order of a quad, becomes register l.
 RVX_INLINE void transpose(Lanes &a, Lanes &b, Lanes &c, Lanes &d)
 {

@@ -275,32 +275,24 @@ RVX_KERNEL void putQuarterRoots(const Arc &arc, std::int64_t begin, int values, 
         putInQuarter(arc, j, begin, values, q, p, quarter);
 }
 
-} // namespace
-
-void rvxFillSineQuarter(double *sine, int order)
+// An arc of the quarter wave, which begins at index `begin`.
+void putSines(const Arc &arc, std::int64_t begin, int values, double *sine, std::int64_t n)
 {
-    const std::int64_t n = std::int64_t{1} << order;
-    const std::int64_t quarter = n / 4;
+    const unsigned doubts = putArc(arc, values, sine + begin, sine + n / 4 - begin);
+    if (doubts == 0)
+        return;
     const Extended step = RVX_TWO_PI / static_cast<double>(n);
-    sine[0] = 0.0;
-    if (order < 2)
-        return;
-    sine[quarter] = 1.0;
-    if (order < 3)
-        return;
-    sine[n / 8] = -RVX_EIGHTH_TURNS[1].im;
-    forArcs(order, [=](std::int64_t begin, const Arc &arc, int values) {
-        const unsigned doubts = putArc(arc, values, sine + begin, sine + quarter - begin);
-        for (int j = 0; doubts != 0 && j < values; ++j) {
-            const std::int64_t i = begin + j;
-            const Extended angle = static_cast<Extended>(i) * step;
-            if ((doubts >> (j / 4) & 1) != 0 && !isCertain(arc.sine[j], arc.sineRest[j]))
-                sine[i] = static_cast<double>(std::sin(angle));
-            if ((doubts >> (j / 4) & 16) != 0 && !isCertain(arc.cosine[j], arc.cosineRest[j]))
-                sine[quarter - i] = static_cast<double>(std::cos(angle));
-        }
-    });
+    for (int j = 0; j < values; ++j) {
+        const std::int64_t i = begin + j;
+        const Extended angle = static_cast<Extended>(i) * step;
+        if ((doubts >> (j / 4) & 1) != 0 && !isCertain(arc.sine[j], arc.sineRest[j]))
+            sine[i] = static_cast<double>(std::sin(angle));
+        if ((doubts >> (j / 4) & 16) != 0 && !isCertain(arc.cosine[j], arc.cosineRest[j]))
+            sine[n / 4 - i] = static_cast<double>(std::cos(angle));
+    }
 }
+
+} // namespace
 
 void rvxFillCircle(ZCplx *tbl, int order)
 {
@@ -314,11 +306,31 @@ void rvxFillCircle(ZCplx *tbl, int order)
         });
 }
 
-void rvxFillCircleQuarter(ZCplx *p, int order, int q)
+void rvxFillCircleParts(const CircleParts &parts, int order)
 {
     const std::int64_t n = std::int64_t{1} << order;
-    p[n / 8] = RVX_EIGHTH_TURNS[2 * q + 1];
+    if (parts.sine != nullptr) {
+        parts.sine[0] = 0.0;
+        if (order >= 2)
+            parts.sine[n / 4] = 1.0;
+        if (order >= 3)
+            parts.sine[n / 8] = -RVX_EIGHTH_TURNS[1].im;
+    }
+    if (parts.firstQuarter != nullptr)
+        parts.firstQuarter[n / 8] = RVX_EIGHTH_TURNS[1];
+    if (parts.lastQuarter != nullptr)
+        parts.lastQuarter[n / 8] = RVX_EIGHTH_TURNS[7];
     forArcs(order, [=](std::int64_t begin, const Arc &arc, int values) {
-        putQuarterRoots(arc, begin, values, q, p, n / 4);
+        if (parts.sine != nullptr)
+            putSines(arc, begin, values, parts.sine, n);
+        if (parts.firstQuarter != nullptr)
+            putQuarterRoots(arc, begin, values, 0, parts.firstQuarter, n / 4);
+        if (parts.lastQuarter != nullptr)
+            putQuarterRoots(arc, begin, values, 3, parts.lastQuarter, n / 4);
     });
+}
+
+void rvxFillSineQuarter(double *sine, int order)
+{
+    rvxFillCircleParts({sine, nullptr, nullptr}, order);
 }

@@ -13,8 +13,13 @@ void rvxFillSineQuarter(double *sine, int order);
 // crosses an axis, the values show that the double 2 pi is not the true one.
 void rvxFillCircle(ZCplx *tbl, int order);
 
-// Of these the ones between the quarters q and q + 1 alone: p[j] = W(N, q N/4 + j) for
-// 0 < j < N/4. order >= 3.
-void rvxFillCircleQuarter(ZCplx *p, int order, int q);
+// Parts of both, in one walk around the circle; null parts are left out.
+struct CircleParts {
+    double *sine;        // as above
+    ZCplx *firstQuarter; // firstQuarter[j] = W(N, j), 0 < j < N/4
+    ZCplx *lastQuarter;  // lastQuarter[j] = W(N, 3N/4 + j) likewise
+};
+
+void rvxFillCircleParts(const CircleParts &parts, int order);
 
 #endif

@@ -8,8 +8,18 @@
 
 namespace {
 
+// The values at sine, sine + 2 step, sine + step and sine + 3 step. Where the step is
+// short, loads of four hold them all.
 RVX_INLINE Lanes sinesAt(const double *sine, std::int64_t step)
 {
+    if (step == 1)
+        return swapMiddle(loadLanes(sine));
+    if (step == -1)
+        return swapMiddle(reversed(loadLanes(sine - 3)));
+    if (step == 2)
+        return blendOdd(loadLanes(sine), loadLanes(sine + 3));
+    if (step == -2)
+        return reversed(blendOdd(loadLanes(sine - 6), loadLanes(sine - 3)));
     return lanesOf(sine[0], sine[2 * step], sine[step], sine[3 * step]);
 }
 
