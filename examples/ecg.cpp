@@ -18,6 +18,7 @@
 #include "support/series.h"
 #include "support/spectrum.h"
 #include "support/status.h"
+#include "support/taps.h"
 
 namespace ecg {
 namespace {
@@ -112,18 +113,6 @@ Signal removeHumByNotch(const Signal &x)
     return rest;
 }
 
-// The ideal low-pass cut to an odd number of taps, which the caller tapers by a window.
-// The band ends at cutoff, as a part of the sampling rate.
-Signal idealLowPass(int tapsLen, double cutoff)
-{
-    Signal taps;
-    for (int i = 0; i < tapsLen; ++i) {
-        const double t = pi * (i - tapsLen / 2);
-        taps.push_back(i == tapsLen / 2 ? 2.0 * cutoff : std::sin(2.0 * cutoff * t) / t);
-    }
-    return taps;
-}
-
 void setSum(Signal &taps, double sum)
 {
     rvxdbMpy1(sum / (length(taps) * rvxdMean(taps.data(), length(taps))), taps.data(),
@@ -134,7 +123,7 @@ void setSum(Signal &taps, double sum)
 // as long, and as many results are dropped at the start.
 Signal removeMuscleNoise(const Signal &x)
 {
-    Signal taps = idealLowPass(smoothTaps, passBand / rate);
+    Signal taps = demo::idealLowPass(smoothTaps, passBand / rate);
     rvxdWinHamming(taps.data(), smoothTaps);
     setSum(taps, 1.0);
 
@@ -158,7 +147,7 @@ Signal removeMuscleNoise(const Signal &x)
 // is above half the new rate from folding down. Only what is needed of that is computed.
 Signal resample(const Signal &x)
 {
-    Signal taps = idealLowPass(rateTaps, rateBand / (rate * up));
+    Signal taps = demo::idealLowPass(rateTaps, rateBand / (rate * up));
     rvxdWinBlackman(taps.data(), rateTaps, -0.16);
     setSum(taps, up); // of 25 samples at the high rate 24 are zeros
 

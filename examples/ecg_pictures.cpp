@@ -2,20 +2,13 @@
 
 #include "ecg.h"
 
-#include <cstddef>
 #include <string>
 
 namespace ecg {
 namespace {
 
-// first, first + step, first + 2 step ...
-Signal ramp(std::size_t n, double first, double step)
-{
-    Signal values;
-    for (std::size_t i = 0; i < n; ++i)
-        values.push_back(first + step * static_cast<double>(i));
-    return values;
-}
+using demo::panel;
+using demo::ramp;
 
 // The same line for the same thing in every picture.
 constexpr const char *styles = R"(
@@ -28,14 +21,6 @@ set style line 6 linewidth 1.5 linecolor rgb '#12365f' pointtype 7 pointsize 0.4
 set style line 7 linewidth 2 linecolor rgb '#6b7480' # recorded, without hum
 set style line 8 linewidth 5 linecolor rgb '#f0c49a' # what another line lies on
 )";
-
-// Panels of a picture, placed in parts of its width and height.
-std::string panel(double left, double right, double bottom, double top)
-{
-    return demo::format("set lmargin at screen %g\nset rmargin at screen %g\n"
-                        "set bmargin at screen %g\nset tmargin at screen %g\n",
-                        left, right, bottom, top);
-}
 
 std::string row(double bottom, double top)
 {

@@ -9,16 +9,9 @@
 namespace room {
 namespace {
 
-constexpr double shownTime = 0.09; // s, of the response and the correlations
+using demo::ramp;
 
-// 0, step, 2 step ...
-Signal ramp(std::size_t n, double step)
-{
-    Signal values;
-    for (std::size_t i = 0; i < n; ++i)
-        values.push_back(step * static_cast<double>(i));
-    return values;
-}
+constexpr double shownTime = 0.09; // s, of the response and the correlations
 
 Signal firstOf(const Signal &x, std::size_t n)
 {
@@ -63,7 +56,7 @@ set rmargin at screen 0.985
 void drawResponse(const Sound &sound, const std::vector<Arrival> &putIn, demo::Section &section)
 {
     section.data("response.txt", "time/ms response",
-                 {ramp(sound.response.size(), 1000.0 / sound.rate), sound.response});
+                 {ramp(sound.response.size(), 0.0, 1000.0 / sound.rate), sound.response});
     writeArrivals("put-in.txt", putIn, sound.rate, section);
     section.picture("response", 1600, 480,
                     margins + names(putIn, sound.rate) +
@@ -84,9 +77,9 @@ plot 'response.txt' with impulses linewidth 1.5 linecolor rgb '#a9c4e6', \
 void drawVoice(const Sound &sound, demo::Section &section)
 {
     section.data("dry.txt", "time/s amplitude",
-                 {ramp(sound.dry.size(), 1.0 / sound.rate), sound.dry});
+                 {ramp(sound.dry.size(), 0.0, 1.0 / sound.rate), sound.dry});
     section.data("echoed.txt", "time/s amplitude",
-                 {ramp(sound.echoed.size(), 1.0 / sound.rate), sound.echoed});
+                 {ramp(sound.echoed.size(), 0.0, 1.0 / sound.rate), sound.echoed});
     const double end = static_cast<double>(sound.dry.size()) / sound.rate;
     const double from = std::min(7.5, std::max(0.0, end - 2.5));
     section.picture("voice", 1600, 560,
@@ -115,7 +108,7 @@ void drawCorrelations(const Sound &sound, const Correlations &voice, const Corre
     const auto n = static_cast<std::size_t>(shownTime * sound.rate) + 1;
     const Signal asItIs = firstOf(voice.cross, n), sharpened = firstOf(sharp.cross, n);
     section.data("correlation.txt", "lag/ms voice second-differences",
-                 {ramp(asItIs.size(), 1000.0 / sound.rate), asItIs, sharpened});
+                 {ramp(asItIs.size(), 0.0, 1000.0 / sound.rate), asItIs, sharpened});
     writeArrivals("found.txt", found, sound.rate, section);
     section.picture(
         "correlation", 1600, 900,

@@ -155,6 +155,21 @@ int runChapter(
     return 0;
 }
 
+std::vector<double> ramp(std::size_t n, double first, double step)
+{
+    std::vector<double> values;
+    for (std::size_t i = 0; i < n; ++i)
+        values.push_back(first + step * static_cast<double>(i));
+    return values;
+}
+
+std::string panel(double left, double right, double bottom, double top)
+{
+    return format("set lmargin at screen %g\nset rmargin at screen %g\n"
+                  "set bmargin at screen %g\nset tmargin at screen %g\n",
+                  left, right, bottom, top);
+}
+
 std::string format(const char *pattern, ...)
 {
     va_list values;

@@ -4,6 +4,7 @@
 #ifndef DEMO_SECTION_H
 #define DEMO_SECTION_H
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <utility>
@@ -51,6 +52,12 @@ private:
 int runChapter(
     int argc, char **argv, const std::string &name,
     const std::function<void(const std::string &input, const std::string &output)> &chapter);
+
+// first, first + step, first + 2 step ...: n of them, for a column of data.
+std::vector<double> ramp(std::size_t n, double first, double step);
+
+// Lines of a script that place a panel in parts of the picture's width and height.
+std::string panel(double left, double right, double bottom, double top);
 
 // text with its numbers, as printf makes it.
 __attribute__((format(printf, 1, 2))) std::string format(const char *pattern, ...);
