@@ -74,8 +74,7 @@ RVX_INLINE void cplxRoots(const Lanes (&squares)[count], CplxLanes (&z)[count])
         // Deliberate: a subnormal imaginary part is flushed, a real one is not.
         const Lanes flushed = onlyWhere(~isBelow(smaller, allLanes(0x1p-1022)), w);
         const LaneMask turned = isSigned(z[j].re);
-        z[j] = {choose(turned, smaller, t[j]),
-                choose(turned, withSignOf(t[j], z[j].im), flushed)};
+        z[j] = {choose(turned, smaller, t[j]), choose(turned, withSignOf(t[j], z[j].im), flushed)};
         if (!normal) {
             const LaneMask something = ~isEqual(t[j], allLanes(0.0));
             z[j] = {onlyWhere(something, z[j].re), onlyWhere(something, z[j].im)};
