@@ -267,7 +267,7 @@ RVX_API void rvxzbPhase(const ZCplx *src, double *phase, int length);
 RVX_API void rvxzbCartToPolar(const ZCplx *src, double *mag, double *phase, int length);
 
 /* dst[i].re = cos(phase[i]) * mag[i] and dst[i].im = sin(phase[i]) * mag[i] for 0 <= i <
- * length. Sine and cosine are within 0.85 units in the last place for all arguments,
+ * length. Sine and cosine are within 0.9 units in the last place for all arguments,
  * however large; the products are rounded once. Infinite phases and NaNs give NaN. dst
  * must not overlap a source.
  * Checks: length below 1; mag null; phase null; dst null. */

@@ -66,11 +66,18 @@ RVX_INLINE Lanes septic(const double (&a)[8], Lanes z)
     return (p0 + z2 * p1) + (z2 * z2) * (p2 + z2 * p3);
 }
 
-// Of the two magnitudes the larger is NaN where re is, the smaller where im is.
-//
-// atan2(im, re) where the larger magnitude is below RVX_LARGEST_IN_LANES and the smaller
-// not below RVX_SMALLEST_IN_LANES, or zero when the larger is not; NaN for NaNs.
-RVX_INLINE Lanes anglesOf(Lanes re, Lanes im)
+// Angles are found in two stages, so that those of two groups can alternate: one's
+// division then runs beside the other's sums.
+
+// The quotient that is left, and the angle that it is counted from.
+struct Fraction {
+    Lanes dividend, divisorHead, divisorTail, reciprocal;
+    Lanes base, baseRest;
+};
+
+// Both magnitudes are between RVX_SMALLEST_IN_LANES and RVX_LARGEST_IN_LANES, or the
+// smaller is zero; or re is NaN, and the result is. (Of the two magnitudes `a` is NaN then.)
+RVX_INLINE Fraction fractionOf(Lanes re, Lanes im)
 {
     const Lanes across = absLanes(re);
     const Lanes up = absLanes(im);
@@ -80,40 +87,41 @@ RVX_INLINE Lanes anglesOf(Lanes re, Lanes im)
 
     const LaneMask fromHalf = isAtMost(a * allLanes(RVX_FROM_HALF), b);
     const LaneMask fromOne = isBelow(a * allLanes(RVX_FROM_ONE), b);
-    const Lanes half = allLanes(0.5);
-    const Lanes c = onlyWhere(fromHalf, half) + onlyWhere(fromOne, half);
+    const Lanes c = choose(fromOne, allLanes(1.0), onlyWhere(fromHalf, allLanes(0.5)));
     const Lanes cb = c * b;
     const Lanes divisor = a + cb;
-    const Lanes divisorRest = (a - divisor) + cb;
+    const Lanes divisorHead = upperBits(divisor);
+    const Lanes divisorTail = (a - divisorHead) + cb; // exact, also where the sum is not
     // Beyond the diagonal and beyond the imaginary axis angles run backwards.
     const RvxBits sign = ((RvxBits)re.v ^ steep.b) & INT64_MIN;
     const Lanes dividend = xorSign(b - c * a, sign);
 
-    const Lanes reciprocal = allLanes(1.0) / divisor;
-    const Lanes t = dividend * reciprocal;
-    const Lanes head = upperBits(t);
-    const Lanes divisorHead = upperBits(divisor);
-    const Lanes divisorTail = divisor - divisorHead;
-    const Lanes remainder =
-        ((dividend - head * divisorHead) - head * divisorTail) - head * divisorRest;
-    const Lanes tail = remainder * reciprocal;
-    const Lanes z = t * t;
-    const Lanes bend = (t * z) * septic(RVX_ARCTANGENT, z);
-
-    // The angle that t is counted from.
     const Lanes axis =
         choose(steep, allLanes(RVX_HALF_PI), onlyWhere(isSigned(re), allLanes(RVX_PI)));
     const Lanes step =
         choose(fromOne, allLanes(RVX_QUARTER_PI), onlyWhere(fromHalf, allLanes(RVX_ATAN_HALF)));
     const Lanes stepRest = choose(fromOne, allLanes(RVX_QUARTER_PI_REST),
                                   onlyWhere(fromHalf, allLanes(RVX_ATAN_HALF_REST)));
-    const Lanes base = axis + xorSign(step, sign);
-    const Lanes baseRest = axis * allLanes(RVX_PI_RELATIVE_REST) + xorSign(stepRest, sign);
+    return {dividend,
+            divisorHead,
+            divisorTail,
+            allLanes(1.0) / divisor,
+            axis + xorSign(step, sign),
+            axis * allLanes(RVX_PI_RELATIVE_REST) + xorSign(stepRest, sign)};
+}
 
-    const Lanes sum = base + head;
-    const Lanes sumRest = (base - sum) + head;
-    const Lanes angle = sum + (sumRest + (baseRest + (tail + bend)));
-    return withSignOf(angle, im);
+RVX_INLINE Lanes angleOf(Fraction f, Lanes im)
+{
+    const Lanes t = f.dividend * f.reciprocal;
+    const Lanes head = upperBits(t);
+    const Lanes remainder = (f.dividend - head * f.divisorHead) - head * f.divisorTail;
+    const Lanes tail = remainder * f.reciprocal;
+    const Lanes z = t * t;
+    const Lanes bend = (t * z) * septic(RVX_ARCTANGENT, z);
+    const Lanes sum = f.base + head;
+    const Lanes sumRest = (f.base - sum) + head;
+    const Lanes angle = sum + (bend + (sumRest + (f.baseRest + tail)));
+    return {(RvxVector)((RvxBits)angle.v | ((RvxBits)im.v & INT64_MIN))};
 }
 
 // Four points in memory, where single ones are mended.
@@ -168,31 +176,26 @@ bool mendPoint(double *re, double *im)
     return false;
 }
 
+bool isInRange(double magnitude)
+{
+    return RVX_SMALLEST_IN_LANES <= magnitude && magnitude < RVX_LARGEST_IN_LANES;
+}
+
 // Puts points in range in place of all that are not, and quotients that stand for
-// angles into `quotients`, NaN where there is none. Points on the real axis, on which an
-// im of NaN counts as zero, are left to the caller.
+// angles into `quotients`, NaN where there is none. No im is zero or NaN.
 __attribute__((noinline)) void mendPoints(PointBlock *points, double *quotients)
 {
     for (int i = 0; i < 4; ++i) {
         const double re = points->re[i], im = points->im[i];
         quotients[i] = NAN;
-        if (!(std::fabs(im) > 0.0))
-            points->re[i] = points->im[i] = 1.0;
-        else if (!std::isnan(re) && mendPoint(&points->re[i], &points->im[i])) {
+        // What the lanes can do is theirs: an element's way must not depend on others.
+        if (std::isnan(re) || (isInRange(std::fabs(re)) && isInRange(std::fabs(im))))
+            continue;
+        if (mendPoint(&points->re[i], &points->im[i])) {
             quotients[i] = im / re;
             points->re[i] = points->im[i] = 1.0;
         }
     }
-}
-
-// Where angles come out of the lanes as they are. Of the two extremes the larger one is
-// NaN where re is, the smaller one where im is.
-RVX_INLINE LaneMask inRange(Lanes re, Lanes im)
-{
-    const Lanes across = absLanes(re);
-    const Lanes up = absLanes(im);
-    return isAtMost(allLanes(RVX_SMALLEST_IN_LANES), minLanes(up, across)) &
-           isBelow(maxLanes(across, up), allLanes(RVX_LARGEST_IN_LANES));
 }
 
 RVX_INLINE LaneMask isOffAxis(Lanes im)
@@ -211,17 +214,31 @@ RVX_INLINE Lanes axisAngle(Lanes re, OnAxis rule)
     return onlyWhere(backwards, allLanes(RVX_PI));
 }
 
+RVX_INLINE LaneMask areInRange(Lanes magnitudes)
+{
+    return isAtMost(allLanes(RVX_SMALLEST_IN_LANES), magnitudes) &
+           isBelow(magnitudes, allLanes(RVX_LARGEST_IN_LANES));
+}
+
 RVX_INLINE Lanes anglesOfAny(Lanes re, Lanes im, OnAxis rule)
 {
-    PointBlock points;
-    double quotients[4];
-    storeLanes(points.re, re);
-    storeLanes(points.im, im);
-    mendPoints(&points, quotients);
-    const Lanes angle = anglesOf(loadLanes(points.re), loadLanes(points.im));
-    const Lanes quotient = loadLanes(quotients);
-    const Lanes offAxis = choose(isEqual(quotient, quotient), quotient, angle);
-    return choose(isOffAxis(im), offAxis, axisAngle(re, rule));
+    const LaneMask offAxis = isOffAxis(im);
+    Lanes x = choose(offAxis, re, allLanes(1.0));
+    Lanes y = choose(offAxis, im, allLanes(1.0));
+    Lanes quotient = allLanes(NAN);
+    const LaneMask fine = areInRange(absLanes(x)) | isEqual(x, allLanes(0.0));
+    if (!everyLane(fine & areInRange(absLanes(y)))) {
+        PointBlock points;
+        double quotients[4];
+        storeLanes(points.re, x);
+        storeLanes(points.im, y);
+        mendPoints(&points, quotients);
+        x = loadLanes(points.re);
+        y = loadLanes(points.im);
+        quotient = loadLanes(quotients);
+    }
+    const Lanes angle = choose(isEqual(quotient, quotient), quotient, angleOf(fractionOf(x, y), y));
+    return choose(offAxis, angle, axisAngle(re, rule));
 }
 
 RVX_INLINE Lanes magnitudesOf(Lanes re, Lanes im)
@@ -247,25 +264,44 @@ RVX_INLINE Points loadPoints(const ZCplx *src)
     return {evenLanes(even, odd), oddLanes(even, odd)};
 }
 
+// True where both parts of all of sixteen points are in range, by their high words: so
+// many at once that the answer costs little on its way out of the lanes.
+RVX_INLINE bool areOrdinary(const ZCplx *src)
+{
+    constexpr std::uint32_t smallest = 0x20b00000, largest = 0x5f300000;
+    RvxWords highest = {};
+    for (int k = 0; k < 16; k += 2) {
+        const RvxWords beyond = (RvxWords)absLanes(loadLanes(src + k)).v - smallest;
+        highest = beyond > highest ? beyond : highest;
+    }
+    const RvxWords fine = (RvxWords)(highest < largest - smallest);
+    return everyLane({(RvxBits)fine & ~std::int64_t{0xffffffff}});
+}
+
 RVX_INLINE void findFour(const ZCplx *src, double *phase)
 {
     const Points z = loadPoints(src);
-    const bool isOrdinary = everyLane(inRange(z.re, z.im));
-    storeLanes(phase, __builtin_expect(isOrdinary, 1)
-                          ? anglesOf(z.re, z.im)
-                          : anglesOfAny(z.re, z.im, OnAxis::nanIsNegative));
+    storeLanes(phase, angleOf(fractionOf(z.re, z.im), z.im));
+}
+
+RVX_INLINE void findAnyFour(const ZCplx *src, double *phase)
+{
+    const Points z = loadPoints(src);
+    storeLanes(phase, anglesOfAny(z.re, z.im, OnAxis::nanIsNegative));
 }
 
 RVX_INLINE void splitFour(const ZCplx *src, double *mag, double *phase)
 {
     const Points z = loadPoints(src);
-    if (__builtin_expect(everyLane(inRange(z.re, z.im)), 1)) {
-        storeLanes(mag, magnitudesOf(z.re, z.im));
-        storeLanes(phase, anglesOf(z.re, z.im));
-    } else {
-        storeLanes(mag, magnitudesOfAny(z.re, z.im));
-        storeLanes(phase, anglesOfAny(z.re, z.im, OnAxis::nanIsPositive));
-    }
+    storeLanes(mag, magnitudesOf(z.re, z.im));
+    storeLanes(phase, angleOf(fractionOf(z.re, z.im), z.im));
+}
+
+RVX_INLINE void splitAnyFour(const ZCplx *src, double *mag, double *phase)
+{
+    const Points z = loadPoints(src);
+    storeLanes(mag, magnitudesOfAny(z.re, z.im));
+    storeLanes(phase, anglesOfAny(z.re, z.im, OnAxis::nanIsPositive));
 }
 
 // The last elements, 1 to 3 of four; the others are ordinary.
@@ -284,13 +320,22 @@ RVX_INLINE void copySome(const double *four, double *dst, std::ptrdiff_t count)
 RVX_KERNEL void findPhaseBlock(const ZCplx *src, double *phase, std::ptrdiff_t n)
 {
     std::ptrdiff_t i = 0;
+    for (; n - i >= 16; i += 16) {
+        if (__builtin_expect(areOrdinary(src + i), 1)) {
+            for (std::ptrdiff_t k = i; k < i + 16; k += 4)
+                findFour(src + k, phase + k);
+        } else {
+            for (std::ptrdiff_t k = i; k < i + 16; k += 4)
+                findAnyFour(src + k, phase + k);
+        }
+    }
     for (; n - i >= 4; i += 4)
-        findFour(src + i, phase + i);
+        findAnyFour(src + i, phase + i);
     if (i < n) {
         ZCplx points[4];
         double phases[4];
         copySome(src + i, points, n - i);
-        findFour(points, phases);
+        findAnyFour(points, phases);
         copySome(phases, phase + i, n - i);
     }
 }
@@ -298,13 +343,22 @@ RVX_KERNEL void findPhaseBlock(const ZCplx *src, double *phase, std::ptrdiff_t n
 RVX_KERNEL void splitPolarBlock(const ZCplx *src, double *mag, double *phase, std::ptrdiff_t n)
 {
     std::ptrdiff_t i = 0;
+    for (; n - i >= 16; i += 16) {
+        if (__builtin_expect(areOrdinary(src + i), 1)) {
+            for (std::ptrdiff_t k = i; k < i + 16; k += 4)
+                splitFour(src + k, mag + k, phase + k);
+        } else {
+            for (std::ptrdiff_t k = i; k < i + 16; k += 4)
+                splitAnyFour(src + k, mag + k, phase + k);
+        }
+    }
     for (; n - i >= 4; i += 4)
-        splitFour(src + i, mag + i, phase + i);
+        splitAnyFour(src + i, mag + i, phase + i);
     if (i < n) {
         ZCplx points[4];
         double mags[4], phases[4];
         copySome(src + i, points, n - i);
-        splitFour(points, mags, phases);
+        splitAnyFour(points, mags, phases);
         copySome(mags, mag + i, n - i);
         copySome(phases, phase + i, n - i);
     }

@@ -1,13 +1,13 @@
 // From polar to cartesian form: sines and cosines of whole blocks, four at a time.
 //
-// An argument is reduced by multiples of pi/2 to a head and a tail of at most pi/4
-// (W. J. Cody, W. Waite, Software Manual for the Elementary Functions, 1980): pi/2 is
-// cut into parts of 33 bits, whose products with a multiple below 2^20 are exact, and
-// what subtractions round off goes into the tail. Larger arguments, which are rare, are
-// reduced one by one with as many bits of 2/pi as they need (M. Payne, R. Hanek, Radian
-// reduction for trigonometric functions, 1983). Errors stay below 0.85 units in the last
-// place for all arguments: next to pi/4, where x^3/6 is largest beside the sine, its five
-// roundings and the polynomial add 0.33 to the last rounding; cosines stay below 0.56.
+// An argument is reduced by multiples of pi/2 to a head of at most pi/4 and a tail
+// (W. J. Cody, W. Waite, Software Manual for the Elementary Functions, 1980): pi/2 is cut
+// into parts whose products with the multiple are exact, and what subtractions round off
+// goes into the tail. Arguments above 2^20 are reduced one by one with as many bits of
+// 2/pi as they need (M. Payne, R. Hanek, Radian reduction for trigonometric functions,
+// 1983). Errors stay below 0.9 units in the last place for all arguments: next to pi/4,
+// where they are largest, the roundings of x^3/6 beside the sine and of x^2/2 beside the
+// cosine and all that follows add up to 0.35, the last rounding to 0.5.
 
 #include <cmath>
 #include <cstdint>
@@ -19,15 +19,18 @@
 
 namespace {
 
-// pi/2 in parts: three of 33 bits and what is left, rounded.
-constexpr double RVX_HALF_PI_1 = 0x1.921fb544p+0;
-constexpr double RVX_HALF_PI_2 = 0x1.0b4611a6p-34;
-constexpr double RVX_HALF_PI_3 = 0x1.3198a2ep-69;
-constexpr double RVX_HALF_PI_4 = 0x1.b839a252049c1p-104;
 constexpr double RVX_TWO_OVER_PI = 0x1.45f306dc9c883p-1;
 
-// Arguments to here are reduced in lanes.
-constexpr double RVX_LARGEST_IN_LANES = 0x1p20;
+// pi/2 in parts for multiples below 2^10, two of 43 bits and what is left, rounded; and
+// for multiples below 2^20, three of 33 bits and the rest.
+constexpr double RVX_HALF_PI_NEAR[] = {0x1.921fb54442cp+0, 0x1.18469898cc4p-44,
+                                       0x1.1701b839a252p-88};
+constexpr double RVX_HALF_PI_FAR[] = {0x1.921fb544p+0, 0x1.0b4611a6p-34, 0x1.3198a2ep-69,
+                                      0x1.b839a252049c1p-104};
+
+// Arguments to which these serve.
+constexpr double RVX_NEAR = 1600.0;
+constexpr double RVX_FAR = 0x1p20;
 
 // Added and taken away again, this leaves the nearest integer; while it is there, the
 // integer stands in the lowest bits.
@@ -56,9 +59,9 @@ __extension__ using Wide = unsigned __int128;
 // pi/2 * 2^127
 constexpr std::uint64_t RVX_HALF_PI_HIGH = 0xC90FDAA22168C234, RVX_HALF_PI_LOW = 0xC4C6628B80DC1CD1;
 
-// x = quarters * pi/2 + head - negTail, the sum of head and tail at most pi/4 and a
-// little. Only the two lowest bits of quarters count. The tail is kept negated: then
-// a zero keeps its sign on its way through the sine.
+// x = quarters * pi/2 + head - negTail, head and tail together at most pi/4 and a little. Only the
+// two lowest bits of quarters count. The tail is kept negated: then a zero keeps its sign on its
+// way through the sine.
 struct Turn {
     double head, negTail;
     std::int64_t quarters;
@@ -133,6 +136,11 @@ Turn turnOfHuge(double x)
     return {sign * head, -(sign * tail), x < 0.0 ? -whole : whole};
 }
 
+RVX_INLINE Lanes xorBits(Lanes a, RvxBits b)
+{
+    return {(RvxVector)((RvxBits)a.v ^ b)};
+}
+
 // Four turns in memory, where single ones are mended.
 struct TurnBlock {
     double head[4], negTail[4];
@@ -143,7 +151,7 @@ struct TurnBlock {
 __attribute__((noinline)) void mendHuge(const double *x, TurnBlock *turns)
 {
     for (int i = 0; i < 4; ++i) {
-        if (std::fabs(x[i]) <= RVX_LARGEST_IN_LANES)
+        if (std::fabs(x[i]) <= RVX_FAR)
             continue;
         Turn turn = {x[i] - x[i], 0.0, 0};
         if (std::isfinite(x[i]))
@@ -154,28 +162,46 @@ __attribute__((noinline)) void mendHuge(const double *x, TurnBlock *turns)
     }
 }
 
-RVX_INLINE Turns turnsOf(Lanes x)
+// Of differences that are rounded the tail has what they round off: the subtrahend's
+// last place is never above one of which the minuend is a multiple.
+RVX_INLINE Turns nearTurns(Lanes x)
 {
     const Lanes rounder = allLanes(RVX_ROUNDER);
     const Lanes raised = x * allLanes(RVX_TWO_OVER_PI) + rounder;
     const Lanes quarters = raised - rounder;
-    const Lanes near = x - quarters * allLanes(RVX_HALF_PI_1); // exact
-    // Differences and what they round off: the subtrahend's last place is never above
-    // a multiple of which the minuend is.
-    const Lanes second = quarters * allLanes(RVX_HALF_PI_2);
-    const Lanes nearer = near - second;
-    const Lanes rest2 = (near - nearer) - second;
-    const Lanes third = quarters * allLanes(RVX_HALF_PI_3);
-    const Lanes head = nearer - third;
-    const Lanes rest3 = (nearer - head) - third;
-    const Lanes negTail = (quarters * allLanes(RVX_HALF_PI_4) - rest3) - rest2;
+    const Lanes close = x - quarters * allLanes(RVX_HALF_PI_NEAR[0]); // exact
+    const Lanes second = quarters * allLanes(RVX_HALF_PI_NEAR[1]);
+    const Lanes head = close - second;
+    const Lanes rest = (close - head) - second;
+    return {head, quarters * allLanes(RVX_HALF_PI_NEAR[2]) - rest, (RvxBits)raised.v};
+}
+
+RVX_INLINE Turns farTurns(Lanes x)
+{
+    const Lanes rounder = allLanes(RVX_ROUNDER);
+    const Lanes raised = x * allLanes(RVX_TWO_OVER_PI) + rounder;
+    const Lanes quarters = raised - rounder;
+    const Lanes close = x - quarters * allLanes(RVX_HALF_PI_FAR[0]); // exact
+    const Lanes second = quarters * allLanes(RVX_HALF_PI_FAR[1]);
+    const Lanes closer = close - second;
+    const Lanes rest2 = (close - closer) - second;
+    const Lanes third = quarters * allLanes(RVX_HALF_PI_FAR[2]);
+    const Lanes head = closer - third;
+    const Lanes rest3 = (closer - head) - third;
+    const Lanes negTail = (quarters * allLanes(RVX_HALF_PI_FAR[3]) - rest3) - rest2;
     return {head, negTail, (RvxBits)raised.v};
 }
 
-RVX_INLINE Turns turnsOfAny(Lanes x)
+// Each element is reduced in the way of its own size, whatever stands beside it.
+RVX_INLINE Turns anyTurns(Lanes x)
 {
-    Turns turns = turnsOf(x);
-    if (__builtin_expect(!everyLane(isAtMost(absLanes(x), allLanes(RVX_LARGEST_IN_LANES))), 0)) {
+    const Lanes magnitude = absLanes(x);
+    const LaneMask isNear = isAtMost(magnitude, allLanes(RVX_NEAR));
+    const Turns near = nearTurns(x);
+    const Turns far = farTurns(x);
+    Turns turns = {choose(isNear, near.head, far.head), choose(isNear, near.negTail, far.negTail),
+                   far.quarters};
+    if (!everyLane(isAtMost(magnitude, allLanes(RVX_FAR)))) {
         double arguments[4];
         TurnBlock block;
         storeLanes(arguments, x);
@@ -209,49 +235,53 @@ RVX_INLINE Circle circleAt(Turns r)
 {
     const Lanes z = r.head * r.head;
     const Lanes z2 = z * z;
-    // The upper half of the bits squares exactly: 1 - h^2/2 and what that rounds off,
-    // and then (r^2 - h^2)/2 = (r - h)(r + h)/2 of what the upper half leaves.
-    const Lanes upper = maskBits(r.head, ~std::int64_t{0x7ffffff});
-    const Lanes lower = r.head - upper;
-    const Lanes halfSquare = upper * (allLanes(0.5) * upper);
     const Lanes one = allLanes(1.0);
+    const Lanes halfSquare = allLanes(0.5) * z;
     const Lanes rough = one - halfSquare;
     const Lanes rounded = (one - rough) - halfSquare;
-    const Lanes rest = (lower - r.negTail) * (upper + allLanes(0.5) * lower);
-    const Lanes cosine = rough + ((rounded - rest) + z2 * quintic(RVX_COSINE, z, z2));
+    const Lanes cosine = rough + ((rounded + r.head * r.negTail) + z2 * quintic(RVX_COSINE, z, z2));
     const Lanes sine = r.head - ((r.head * z) * quintic(RVX_SINE, z, z2) + r.negTail * rough);
     return {cosine, sine};
 }
 
-// By quadrant: odd quarters swap sine and cosine; the cosine is negative in the second
-// and third quadrant, the sine in the third and fourth.
-RVX_INLINE Circle turnedBy(RvxBits quarters, Circle c)
+RVX_INLINE void joinFour(Lanes mag, Turns turns, ZCplx *dst)
 {
-    const LaneMask odd = {(quarters & 1) != 0};
-    const Lanes cosine = choose(odd, c.sine, c.cosine);
-    const Lanes sine = choose(odd, c.cosine, c.sine);
-    const RvxBits cosineSign = ((quarters + 1) << 62) & INT64_MIN;
-    const RvxBits sineSign = (quarters << 62) & INT64_MIN;
-    return {{(RvxVector)((RvxBits)cosine.v ^ cosineSign)},
-            {(RvxVector)((RvxBits)sine.v ^ sineSign)}};
+    const Circle c = circleAt(turns);
+    // Odd quarters swap sine and cosine; the sine is negative in the third and fourth
+    // quadrant, the cosine in the second and third.
+    const LaneMask odd = {(turns.quarters << 63) < 0};
+    const RvxBits sineSign = (turns.quarters << 62) & INT64_MIN;
+    const RvxBits cosineSign = sineSign ^ (turns.quarters << 63);
+    const Lanes re = choose(odd, c.sine, c.cosine) * xorBits(mag, cosineSign);
+    const Lanes im = choose(odd, c.cosine, c.sine) * xorBits(mag, sineSign);
+    const Lanes even = evenLanes(re, im);
+    const Lanes uneven = oddLanes(re, im);
+    storeLanes(dst, firstHalves(even, uneven));
+    storeLanes(dst + 2, lastHalves(even, uneven));
 }
 
-RVX_INLINE void joinFour(const double *mag, const double *phase, ZCplx *dst)
+RVX_INLINE bool areNear(const double *phase)
 {
-    const Turns turns = turnsOfAny(loadLanes(phase));
-    const Circle c = turnedBy(turns.quarters, circleAt(turns));
-    const Lanes m = loadLanes(mag);
-    const Lanes re = c.cosine * m;
-    const Lanes im = c.sine * m;
-    storeLanes(dst, interleaveLow(re, im));
-    storeLanes(dst + 2, interleaveHigh(re, im));
+    const Lanes largest =
+        maxMagnitude(maxMagnitude(absLanes(loadLanes(phase)), loadLanes(phase + 4)),
+                     maxMagnitude(absLanes(loadLanes(phase + 8)), loadLanes(phase + 12)));
+    return everyLane(isAtMost(largest, allLanes(RVX_NEAR)));
 }
 
 RVX_KERNEL void joinPolarForms(const double *mag, const double *phase, ZCplx *dst, std::ptrdiff_t n)
 {
     std::ptrdiff_t i = 0;
+    for (; n - i >= 16; i += 16) {
+        if (__builtin_expect(areNear(phase + i), 1)) {
+            for (std::ptrdiff_t k = i; k < i + 16; k += 4)
+                joinFour(loadLanes(mag + k), nearTurns(loadLanes(phase + k)), dst + k);
+        } else {
+            for (std::ptrdiff_t k = i; k < i + 16; k += 4)
+                joinFour(loadLanes(mag + k), anyTurns(loadLanes(phase + k)), dst + k);
+        }
+    }
     for (; n - i >= 4; i += 4)
-        joinFour(mag + i, phase + i, dst + i);
+        joinFour(loadLanes(mag + i), anyTurns(loadLanes(phase + i)), dst + i);
     if (i < n) {
         double mags[4] = {}, phases[4] = {};
         ZCplx joined[4];
@@ -259,7 +289,7 @@ RVX_KERNEL void joinPolarForms(const double *mag, const double *phase, ZCplx *ds
             mags[k] = mag[i + k];
             phases[k] = phase[i + k];
         }
-        joinFour(mags, phases, joined);
+        joinFour(loadLanes(mags), anyTurns(loadLanes(phases)), joined);
         for (std::ptrdiff_t k = 0; k < n - i; ++k)
             dst[i + k] = joined[k];
     }
