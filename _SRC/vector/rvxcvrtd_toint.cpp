@@ -2,8 +2,8 @@
 //
 // One addition does the rounding: x + 1.5 * 2^(52 - f) has its last bit at 2^-f, so
 // that the processor's own rounding of the sum, in the mode that is asked for, is the
-// rounding of the conversion. The integer then stands in the low word of the sum.
-// So the limits need no thresholds: what is compared is rounded already.
+// rounding of the conversion. The integer then stands in the low word of the sum, and
+// limits need no thresholds: what is compared with them is rounded already.
 
 #include <cstdint>
 #include <cstring>
@@ -50,12 +50,12 @@ constexpr int groupLen = 16;
 // 32 bits. The high word of the sum tells whether the value fits; for a NaN or an
 // infinity it lies beyond all others on the side of its sign.
 
-// Floor of x + below is x rounded up where x is negative: for magnitudes above 1 the
-// sum is rounded down to a multiple of what x itself is a multiple of, and below 1 it
-// is exact or a positive number that cannot become an integer.
-RVX_INLINE Lanes towardZeroForFloor(Lanes x, Lanes below)
+// What is x rounded towards zero when it is rounded downwards, the mode in force. In
+// units of 2^-f: for x in (n - 1, n] with an integer n <= 0 the sum is in [n, n + 1),
+// since a double above n - 1 is so by 2^-53 at least, and the rounded sum is too.
+RVX_INLINE Lanes truncatedByFloor(Lanes x, Lanes below)
 {
-    // -0.0 and not 0.0, which compilers would have by two instructions.
+    // -0.0 because of 0.0 compilers make a compare and a mask, two instructions for one.
     return x + choose(isSigned(x), below, allLanes(-0.0));
 }
 
@@ -63,7 +63,7 @@ template <bool trunc>
 RVX_INLINE Lanes rounded(const double *src, const Constants &to)
 {
     const Lanes x = trunc ? loadLanesOnce(src) : loadLanes(src);
-    return (trunc ? towardZeroForFloor(x, to.below) : x) + to.magic;
+    return (trunc ? truncatedByFloor(x, to.below) : x) + to.magic;
 }
 
 template <bool trunc, bool clip, bool report>

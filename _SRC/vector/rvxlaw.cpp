@@ -1,10 +1,10 @@
-// rvxlaw: samples to and from the codes of 8 bits of G.711, A-law and mu-law.
+// rvxlaw: samples to and from the 8-bit codes of G.711, A-law and mu-law.
 //
-// Both laws are small floating-point formats of 3 bits of exponent and 4 of
-// significand, once a constant is added (mu-law) or the lowest of the exponents is
-// taken apart (A-law): so a code stands in the first 16 bits of a double, and nothing
-// is looked up. ITU-T Recommendation G.711, Pulse code modulation of voice
-// frequencies, 1988; the smallest negative samples are the mirrors of the positive.
+// Both laws are small floating-point formats, 3 bits of exponent and 4 of significand,
+// once a constant is added (mu-law) or the lowest exponent is seen to (A-law). So the
+// codes stand in the first 16 bits of a double, and nothing is looked up. ITU-T
+// Recommendation G.711, Pulse code modulation (PCM) of voice frequencies, 1988. That
+// codes of negative samples mirror those of positive ones is deliberate.
 
 #include <cstdint>
 #include <cstring>
@@ -63,9 +63,8 @@ RVX_INLINE Shorts larger(Shorts a, Shorts b)
     return {a.s > b.s ? a.s : b.s};
 }
 
-// code | 0x80 for samples that count as positive, inverted where `inverted` says. All
-// bits of `front` but the sign are those of the magnitude, and what is below 2^-15, one
-// step of 16 bits, is positive.
+// The code with its sign bit, 1 for positive, and then the given bits inverted.
+// Samples that are not a whole step of 2^-15 from zero count as positive.
 RVX_INLINE Shorts withSign(Shorts code, Shorts front, int inverted)
 {
     const RvxShorts mirrored = front.s ^ allFronts(0x8000).s;
@@ -81,8 +80,9 @@ RVX_INLINE void absGroup(const double *src, Lanes *x, Lanes *magnitude)
     }
 }
 
-// 132 - 1 steps more and each segment begins at a power of two; rounded towards zero.
-// The largest code begins below 0.96875, so limiting the code limits the sample.
+// With 131 steps of 2^-15 added each segment begins at a power of two. The sum is
+// rounded towards zero, as the code is. From 0.96875 on a sample has the largest code,
+// and below it has at most that: limiting the code is enough.
 RVX_INLINE void encodeMuLaw(const double *src, unsigned char *dst)
 {
     Lanes x[4], y[4];
@@ -94,9 +94,9 @@ RVX_INLINE void encodeMuLaw(const double *src, unsigned char *dst)
     storeCodes(dst, withSign(code, frontsOf(x), 0x7f));
 }
 
-// Above 2^-7 the code stands in the sample itself. Below it the steps are even, as
-// they are behind the 2^-7 that is added; there that is the larger of the two, and
-// above it the smaller.
+// From 2^-7 on the code stands in the sample itself. Below it steps are even, as those
+// from 2^-7 to 2^-6 are, and the code is that of the sample moved there. Of both the
+// larger is the right one on either side.
 RVX_INLINE void encodeALaw(const double *src, unsigned char *dst)
 {
     Lanes x[4], y[4];
@@ -146,48 +146,43 @@ RVX_KERNEL void samplesToMuLaw(const double *src, unsigned char *dst, int n)
 // ---------------------------------------------------------------------------
 // Decoders. The middle of a step as a float: code bits, then one more bit.
 
-constexpr std::int32_t signBit = INT32_MIN;
-constexpr std::int32_t middleOfStep = 1 << 18;
-constexpr std::int32_t floatOne = 127 << 23;
+constexpr std::uint32_t middleOfStep = 1 << 18;
+constexpr std::uint32_t floatOne = 127 << 23;
 
-RVX_INLINE float floatOf(std::int32_t bits)
+RVX_INLINE float floatOf(std::uint32_t bits)
 {
     float x;
     std::memcpy(&x, &bits, sizeof x);
     return x;
 }
 
-RVX_INLINE std::int32_t bitsOf(float x)
+// The seven bits of a code in their places in a float, and its bit 7 as the sign.
+RVX_INLINE std::uint32_t spread(std::uint32_t code)
 {
-    std::int32_t bits;
-    std::memcpy(&bits, &x, sizeof bits);
-    return bits;
+    const auto sign = static_cast<std::int32_t>(code << 24);
+    return static_cast<std::uint32_t>(sign >> 5) & (0x80000000 | 0x7f << 19);
 }
 
-// The lowest segment, which has no step of its own, as the lower half of the next.
+// The lowest segment has the steps of the next, and is decoded as that less its start.
 RVX_KERNEL void aLawToSamples(const unsigned char *__restrict src, double *__restrict dst, int n)
 {
-    constexpr std::int32_t base = floatOne - (8 << 23) + middleOfStep;
+    constexpr std::uint32_t base = floatOne - (8 << 23) + middleOfStep;
+    constexpr std::uint32_t startOfNext = floatOne - (7 << 23);
     for (int i = 0; i < n; ++i) {
-        const std::int32_t code = src[i] ^ 0x55;
-        const std::int32_t lowest = (code & 0x70) == 0 ? -1 : 0;
-        const std::int32_t magnitude = (((code & 0x7f) + (lowest & 16)) << 19) + base;
-        const float below = floatOf(lowest & (floatOne - (7 << 23)));
-        const std::int32_t sign = (~code << 24) & signBit;
-        dst[i] = floatOf(bitsOf(floatOf(magnitude) - below) | sign);
+        const std::uint32_t code = spread(src[i] ^ 0xd5U);
+        const bool isLowest = (code & (0x70 << 19)) == 0;
+        const std::uint32_t start = isLowest ? startOfNext | (code & 0x80000000) : 0;
+        dst[i] = floatOf(code + (isLowest ? base + (16 << 19) : base)) - floatOf(start);
     }
 }
 
-// Sign and magnitude come out of the inverted code by one subtraction. Both operands
-// of the difference have the sign, so that a negative zero is +0.0.
+// Both operands of the difference have the sign, so that the negative zero is +0.0.
 RVX_KERNEL void muLawToSamples(const unsigned char *__restrict src, double *__restrict dst, int n)
 {
-    constexpr std::int32_t largest = floatOne - (8 << 23) + (127 << 19) + middleOfStep;
-    constexpr std::int32_t bias = floatOne - (8 << 23) + middleOfStep; // 132 steps
+    constexpr std::uint32_t bias = floatOne - (8 << 23) + middleOfStep; // 132 steps
     for (int i = 0; i < n; ++i) {
-        const std::int32_t code = (src[i] & 0x7f) << 19;
-        const std::int32_t sign = (~static_cast<std::int32_t>(src[i]) << 24) & signBit;
-        dst[i] = floatOf((largest - code) | sign) - floatOf(bias | sign);
+        const std::uint32_t code = spread(src[i] ^ 0xffU);
+        dst[i] = floatOf(code + bias) - floatOf((code & 0x80000000) | bias);
     }
 }
 
