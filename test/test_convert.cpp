@@ -246,6 +246,7 @@ TEST(ToIntegers, FixedFormatsAreTheFormatsTheyName)
     std::mt19937_64 random(29);
     std::uniform_real_distribution<double> near(-1.3, 1.3);
     std::vector<double> values;
+    values.reserve(501);
     for (int i = 0; i < 501; ++i)
         values.push_back(near(random) * (i % 3 == 0 ? 32768.0 : i % 3 == 1 ? 2.0 : 1.0));
     const int n = static_cast<int>(values.size());
@@ -332,6 +333,7 @@ TEST(ToIntegers, FloatingPointEnvironmentNeitherCountsNorChanges)
             for (const int fate : fates) {
                 Integers ints(format.size, n);
                 std::vector<fixed::Result> expected;
+                expected.reserve(values.size());
                 for (const double x : values)
                     expected.push_back(expectedOf(format, rounding | fate, x));
                 underEveryEnvironment(

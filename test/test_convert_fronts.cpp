@@ -121,6 +121,7 @@ std::vector<Report> expected(const Function &function, const Arguments &a)
         failIf(a.fractBits < 0 || a.fractBits > limit, "Invalid fractBits");
     }
     std::vector<Report> reports;
+    reports.reserve(contexts.size());
     for (const std::string &context : contexts)
         reports.push_back({RVX_STATUS_BAD_ARGUMENT, function.reported, context, "rvxcvrtd"});
     if (!function.hasFlags && reports.size() > 1)

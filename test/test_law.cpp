@@ -49,6 +49,7 @@ void expectCodes(const Law &law, const std::vector<double> &samples)
 std::vector<Byte> everyCode()
 {
     std::vector<Byte> codes;
+    codes.reserve(256);
     for (int c = 0; c < 256; ++c)
         codes.push_back(static_cast<Byte>(c));
     return codes;
@@ -129,6 +130,7 @@ TEST(Law, AnyBitPatternHasACode)
     for (const Law &law : laws)
         for (int block = 0; block < blocks; ++block) {
             std::vector<double> samples;
+            samples.reserve(4000);
             for (int i = 0; i < 4000; ++i)
                 samples.push_back(block % 4 == 0   ? fromBits(random())
                                   : block % 4 == 1 ? near(random)

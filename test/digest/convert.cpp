@@ -50,6 +50,7 @@ void digestFromInts(Digest &digest, Call call)
     FixedData data(280);
     for (const int n : lengths) {
         std::vector<Int> src;
+        src.reserve(static_cast<std::size_t>(n));
         for (int i = 0; i < n; ++i)
             src.push_back(static_cast<Int>(data.word()));
         src[0] = 0;

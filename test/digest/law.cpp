@@ -29,6 +29,7 @@ void digestDecoder(Digest &digest, void (*decode)(const unsigned char *, double 
     FixedData data(291);
     for (const int n : lengths) {
         std::vector<unsigned char> src;
+        src.reserve(static_cast<std::size_t>(n));
         for (int i = 0; i < n; ++i)
             src.push_back(static_cast<unsigned char>(data.word()));
         std::vector<double> dst(src.size() + 1);
