@@ -6,7 +6,7 @@
 // an odd length leaves over, of h before that of x. So outputs stand side by side in
 // lanes, the even ones apart from the odd ones, while j ascends.
 
-#include <cmath>
+#include <cstdint>
 #include <cstring>
 
 #include "convolution/rvxconvd.h"
@@ -48,9 +48,9 @@ auto outputAt(const Long *x, int xLen, const Short *h, int hLen, std::int64_t n)
 // ---- outputs in lanes ---------------------------------------------------------
 
 enum {
-    RVX_CONV_LEAD = RVX_CONV_DIRECT_MAX / 2 + 2, // pairs of x before a chunk's outputs
-    RVX_CONV_CHUNK = 128,                        // pairs of outputs in a chunk
-    RVX_CONV_WINDOW = RVX_CONV_LEAD + RVX_CONV_CHUNK
+    RVX_CONV_LEAD = RVX_CONV_DIRECT_MAX / 2 + 2,         // pairs of x before a chunk's outputs
+    RVX_CONV_CHUNK = 128,                                // pairs of outputs in a chunk
+    RVX_CONV_WINDOW = RVX_CONV_LEAD + RVX_CONV_CHUNK + 4 // zeros go in fours
 };
 
 // Loads are made where they stand: compilers would carry what the next pair of taps
@@ -70,6 +70,11 @@ struct RealWindow {
     {
         even[p] = e;
         odd[p] = o;
+    }
+    RVX_INLINE void clearFour(int p)
+    {
+        storeLanes(even + p, Lanes{});
+        storeLanes(odd + p, Lanes{});
     }
     RVX_INLINE void setFour(int p, const double *x)
     {
@@ -102,6 +107,13 @@ struct CplxWindow {
         oddRe[p] = o.re;
         oddIm[p] = o.im;
     }
+    RVX_INLINE void clearFour(int p)
+    {
+        storeLanes(evenRe + p, Lanes{});
+        storeLanes(evenIm + p, Lanes{});
+        storeLanes(oddRe + p, Lanes{});
+        storeLanes(oddIm + p, Lanes{});
+    }
     RVX_INLINE void setFour(int p, const ZCplx *x)
     {
         const Lanes a = loadLanes(x);
@@ -132,6 +144,13 @@ struct PairWindow {
         even[p] = e;
         odd[p] = o;
     }
+    RVX_INLINE void clearFour(int p)
+    {
+        for (int i = 0; i < 4; i += 2) {
+            storeLanes(even + p + i, Lanes{});
+            storeLanes(odd + p + i, Lanes{});
+        }
+    }
     RVX_INLINE void setFour(int p, const ZCplx *x)
     {
         for (int i = 0; i < 4; i += 2) {
@@ -143,19 +162,20 @@ struct PairWindow {
     }
 };
 
-// Places from..to-1.
+// Places from..to-1, and up to three more that are not read. Places before the first pair
+// come in fours.
 template <typename Window, typename Long>
 RVX_INLINE void fillWindow(Window &window, const Long *x, int pairs, int first, int from, int to)
 {
     int p = from;
-    for (; p < to && first + p < 0; ++p)
-        window.set(p, Long{}, Long{});
+    for (; p < to && first + p < 0; p += 4)
+        window.clearFour(p);
     for (; p + 4 <= to && first + p + 4 <= pairs; p += 4)
         window.setFour(p, x + 2 * (first + p));
     for (; p < to && first + p < pairs; ++p)
         window.set(p, x[2 * (first + p)], x[2 * (first + p) + 1]);
-    for (; p < to; ++p)
-        window.set(p, Long{}, Long{});
+    for (; p < to; p += 4)
+        window.clearFour(p);
 }
 
 // A vector of even outputs and the odd ones behind each.
@@ -185,45 +205,75 @@ RVX_INLINE void storeOutputs(ZCplx *y, Lanes even, Lanes odd)
     storeLanes(y + 2, lastHalves(even, odd));
 }
 
+// By hand: of a length that compilers do not know they would call a function.
+template <typename Out>
+RVX_INLINE void copyOutputs(const Out *src, int n, Out *dst)
+{
+    int i = 0;
+    for (; i + 4 <= n; i += 4)
+        std::memcpy(dst + i, src + i, 4 * sizeof(Out));
+    for (; i < n; ++i)
+        dst[i] = src[i];
+}
+
+// Taps in all lanes, one load for each where it is used. Compilers would load several
+// and take them apart by shuffles.
+template <typename Tap>
+struct TapsInPlace {
+    const Tap *taps;
+
+    static RVX_INLINE Lanes everywhere(const double *tap)
+    {
+        return allLanes(*static_cast<const volatile double *>(tap));
+    }
+    static RVX_INLINE Quad everywhere(const ZCplx *tap)
+    {
+        return {everywhere(&tap->re), everywhere(&tap->im)};
+    }
+    RVX_INLINE auto operator[](int j) const { return everywhere(taps + j); }
+};
+
 // 2 * width * vectors outputs, whose first pair of x stands at place p, from the pairs of taps
 // from..to-1 and the last tap of an odd number. Enough sums at a time to hide how long
 // an addition takes.
-template <int vectors, typename Window, typename Tap, typename Out>
-RVX_INLINE void sumTile(const Window &window, int p, const Tap *taps, int tapsLen, int from, int to,
-                        Out *y)
+template <int vectors, typename Window, typename Taps, typename Out>
+RVX_INLINE void sumTile(const Window &window, int p, const Taps &taps, int tapsLen, int from,
+                        int to, Out *y)
 {
     using Sum = decltype(window.evenAt(0) * taps[0]);
     Sum even[vectors] = {};
     Sum odd[vectors] = {};
-    for (int q = from; q < to; ++q)
+    for (int q = from; q < to; ++q) {
+        const auto h0 = taps[2 * q];
+        const auto h1 = taps[2 * q + 1];
         for (int v = 0; v < vectors; ++v) {
             const int at = p + Window::width * v - q;
             const auto x = window.evenAt(at);
-            const Tap h0 = taps[2 * q];
-            const Tap h1 = taps[2 * q + 1];
             even[v] = x * h0 + (window.oddAt(at - 1) * h1 + even[v]);
             odd[v] = x * h1 + (window.oddAt(at) * h0 + odd[v]);
         }
+    }
     for (int v = 0; v < vectors; ++v) {
         if (tapsLen % 2 != 0) {
+            const auto last = taps[tapsLen - 1];
             const int at = p + Window::width * v - tapsLen / 2;
-            even[v] = even[v] + window.evenAt(at) * taps[tapsLen - 1];
-            odd[v] = odd[v] + window.oddAt(at) * taps[tapsLen - 1];
+            even[v] = even[v] + window.evenAt(at) * last;
+            odd[v] = odd[v] + window.oddAt(at) * last;
         }
         storeOutputs(y + 2 * Window::width * v, even[v], odd[v]);
     }
 }
 
 // What all taps and the pairs of x give, to `count` outputs from 2 * first on.
-template <int vectors, typename Window, typename Long, typename Tap, typename Out>
-RVX_INLINE void sumChunk(const Long *x, int xPairs, const Tap *taps, int tapsLen, int first,
+template <int vectors, typename Window, typename Long, typename Taps, typename Out>
+RVX_INLINE void sumChunk(const Long *x, int xPairs, const Taps &taps, int tapsLen, int first,
                          int count, Out *y)
 {
     constexpr int tilePairs = Window::width * vectors;
     const int hPairs = tapsLen / 2;
     const int pairs = (count + 1) / 2;
     Window window;
-    fillWindow(window, x, xPairs, first - RVX_CONV_LEAD, RVX_CONV_LEAD - hPairs,
+    fillWindow(window, x, xPairs, first - RVX_CONV_LEAD, RVX_CONV_LEAD - ((hPairs + 3) & ~3),
                RVX_CONV_LEAD + (pairs + tilePairs - 1) / tilePairs * tilePairs);
     for (int t = 0; 2 * t < count; t += tilePairs) {
         // Only taps that meet an element of x.
@@ -236,18 +286,14 @@ RVX_INLINE void sumChunk(const Long *x, int xPairs, const Tap *taps, int tapsLen
         }
         Out tile[2 * tilePairs];
         sumTile<vectors>(window, RVX_CONV_LEAD + t, taps, tapsLen, from, to, tile);
-        std::memcpy(y + 2 * t, tile, static_cast<unsigned>(left) * sizeof(Out));
+        copyOutputs(tile, left, y + 2 * t);
     }
 }
 
-template <int vectors, typename Window, typename Long, typename Short, typename Out>
-RVX_INLINE void sumAll(const Long *x, int xLen, const Short *h, int hLen, Out *y)
+template <int vectors, typename Window, typename Long, typename Short, typename Taps, typename Out>
+RVX_INLINE void sumAll(const Long *x, int xLen, const Short *h, const Taps &taps, int hLen, Out *y)
 {
     const std::int64_t total = std::int64_t{xLen} + hLen - 1;
-    // Spread beforehand: compilers would load several and take them apart by shuffles.
-    decltype(broadcast(*h)) taps[RVX_CONV_DIRECT_MAX];
-    for (int j = 0; j < hLen; ++j)
-        taps[j] = broadcast(h[j]);
     for (std::int64_t n = 0; n < total; n += 2 * RVX_CONV_CHUNK) {
         const std::int64_t left = total - n;
         const int count = left < 2 * RVX_CONV_CHUNK ? static_cast<int>(left) : 2 * RVX_CONV_CHUNK;
@@ -381,7 +427,7 @@ RVX_INLINE void sumFew(const Long *x, int xLen, const Short *h, int hLen, Out *y
 
 RVX_KERNEL void convReal(const double *x, int xLen, const double *h, int hLen, double *y)
 {
-    sumAll<4, RealWindow>(x, xLen, h, hLen, y);
+    sumAll<4, RealWindow>(x, xLen, h, TapsInPlace<double>{h}, hLen, y);
 }
 
 RVX_KERNEL void convFewReal(const double *x, int xLen, const double *h, int hLen, double *y)
@@ -389,9 +435,25 @@ RVX_KERNEL void convFewReal(const double *x, int xLen, const double *h, int hLen
     sumFew<FewRealReal>(x, xLen, h, hLen, y);
 }
 
-RVX_KERNEL void convComplex(const ZCplx *x, int xLen, const ZCplx *h, int hLen, ZCplx *y)
+RVX_KERNEL void convComplexShort(const ZCplx *x, int xLen, const ZCplx *h, int hLen, ZCplx *y)
 {
-    sumAll<1, CplxWindow>(x, xLen, h, hLen, y);
+    sumAll<1, CplxWindow>(x, xLen, h, TapsInPlace<ZCplx>{h}, hLen, y);
+}
+
+// Tiles have too few outputs to hide how long it takes to spread taps, so for many of them
+// it is done beforehand.
+RVX_KERNEL void convComplexLong(const ZCplx *x, int xLen, const ZCplx *h, int hLen, ZCplx *y)
+{
+    Quad taps[RVX_CONV_DIRECT_MAX];
+    for (int j = 0; j < hLen; ++j)
+        taps[j] = broadcast(h[j]);
+    sumAll<1, CplxWindow>(x, xLen, h, taps, hLen, y);
+}
+
+void convComplex(const ZCplx *x, int xLen, const ZCplx *h, int hLen, ZCplx *y)
+{
+    constexpr int longest = 32;
+    (xLen <= longest ? convComplexShort : convComplexLong)(x, xLen, h, hLen, y);
 }
 
 RVX_KERNEL void convFewComplex(const ZCplx *x, int xLen, const ZCplx *h, int hLen, ZCplx *y)
@@ -401,7 +463,7 @@ RVX_KERNEL void convFewComplex(const ZCplx *x, int xLen, const ZCplx *h, int hLe
 
 RVX_KERNEL void convComplexReal(const ZCplx *x, int xLen, const double *h, int hLen, ZCplx *y)
 {
-    sumAll<4, PairWindow>(x, xLen, h, hLen, y);
+    sumAll<4, PairWindow>(x, xLen, h, TapsInPlace<double>{h}, hLen, y);
 }
 
 RVX_KERNEL void convFewComplexReal(const ZCplx *x, int xLen, const double *h, int hLen, ZCplx *y)
@@ -411,7 +473,7 @@ RVX_KERNEL void convFewComplexReal(const ZCplx *x, int xLen, const double *h, in
 
 RVX_KERNEL void convRealComplex(const double *x, int xLen, const ZCplx *h, int hLen, ZCplx *y)
 {
-    sumAll<2, RealWindow>(x, xLen, h, hLen, y);
+    sumAll<2, RealWindow>(x, xLen, h, TapsInPlace<ZCplx>{h}, hLen, y);
 }
 
 RVX_KERNEL void convFewRealComplex(const double *x, int xLen, const ZCplx *h, int hLen, ZCplx *y)
@@ -419,23 +481,23 @@ RVX_KERNEL void convFewRealComplex(const double *x, int xLen, const ZCplx *h, in
     sumFew<FewRealCplx>(x, xLen, h, hLen, y);
 }
 
-bool isFinite(double h)
+// Without a branch for each, since there are few: an exponent of all ones, and no other,
+// carries into the sign.
+bool allFinite(const double *h, int n)
 {
-    return std::isfinite(h);
+    constexpr std::uint64_t exponent = 0x7FF0000000000000, lowest = 0x0010000000000000;
+    std::uint64_t carries = 0;
+    for (int j = 0; j < n; ++j) {
+        std::uint64_t bits;
+        std::memcpy(&bits, h + j, sizeof bits);
+        carries |= (bits & exponent) + lowest;
+    }
+    return carries >> 63 == 0;
 }
 
-bool isFinite(ZCplx h)
+bool allFinite(const ZCplx *h, int n)
 {
-    return std::isfinite(h.re) && std::isfinite(h.im);
-}
-
-template <typename Short>
-bool allFinite(const Short *h, int hLen)
-{
-    for (int j = 0; j < hLen; ++j)
-        if (!isFinite(h[j]))
-            return false;
-    return true;
+    return allFinite(&h->re, 2 * n);
 }
 
 template <typename Long, typename Short, typename Out>
