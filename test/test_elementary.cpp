@@ -258,9 +258,10 @@ TEST_P(Elementary, AnyBitPattern)
         for (int i = 0; i < n; ++i) {
             // Every other one of a size that matters to the exponential.
             const std::uint64_t word = random.word();
-            const auto field = static_cast<std::uint64_t>(1023 - 68 + random.below(80));
-            source.push_back(
-                doubleOf(i % 2 == 0 ? word : (word & 0x800fffffffffffff) | field << 52));
+            const int field = 1023 - 68 + random.below(80);
+            source.push_back(doubleOf(i % 2 == 0 ? word
+                                                 : (word & 0x800fffffffffffff) |
+                                                       static_cast<std::uint64_t>(field) << 52));
         }
         expectStated(family, source);
         done += n;

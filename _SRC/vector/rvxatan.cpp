@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "frame/rvxbundle.h"
 #include "frame/rvxcheck.h"
 #include "frame/rvxkernel.h"
 #include "frame/rvxlanes.h"
@@ -21,32 +22,48 @@ namespace {
 
 constexpr int groupLen = 4;
 constexpr int runLen = 4 * groupLen;
+constexpr int chunkLen = 128;
 
 constexpr double halfPi = 0x1.921fb54442d18p+0;
 constexpr double infinity = __builtin_inf();
 
 // From the highest power down.
-constexpr double numerator[] = {3.2828074051574014e-05, 0.001443255490489221, 0.016666208496175557,
-                                0.07740968919218316,    0.1665219024781521,   0.16562803159089803,
-                                0.06152589308173906,    2.949220131364055e-20};
-constexpr double denominator[] = {
-    3.5869490790335996e-05, 0.0019179513216930214, 0.027756313845352945, 0.16837663361034763,
-    0.5043654480105728,     0.7850394091498596,    0.6076307023198234,   0.18457767924521717};
+constexpr double p7 = 3.2828074051574014e-05, p6 = 0.001443255490489221, p5 = 0.016666208496175557,
+                 p4 = 0.07740968919218316, p3 = 0.1665219024781521, p2 = 0.16562803159089803,
+                 p1 = 0.06152589308173906, p0 = 2.949220131364055e-20;
+constexpr double q7 = 3.5869490790335996e-05, q6 = 0.0019179513216930214, q5 = 0.027756313845352945,
+                 q4 = 0.16837663361034763, q3 = 0.5043654480105728, q2 = 0.7850394091498596,
+                 q1 = 0.6076307023198234, q0 = 0.18457767924521717;
 
-RVX_INLINE Lanes horner(const double *coefficients, Lanes z)
+template <typename T>
+RVX_INLINE T numerator(const T &z)
 {
-    Lanes sum = allLanes(coefficients[0]);
-    for (int i = 1; i < 8; ++i)
-        sum = sum * z + allLanes(coefficients[i]);
-    return sum;
+    return ((((((z * p7 + p6) * z + p5) * z + p4) * z + p3) * z + p2) * z + p1) * z + p0;
 }
 
-RVX_INLINE double horner(const double *coefficients, double z)
+template <typename T>
+RVX_INLINE T denominator(const T &z)
 {
-    double sum = coefficients[0];
-    for (int i = 1; i < 8; ++i)
-        sum = sum * z + coefficients[i];
-    return sum;
+    return ((((((z * q7 + q6) * z + q5) * z + q4) * z + q3) * z + q2) * z + q1) * z + q0;
+}
+
+// Both at a time, coefficient by coefficient: twice as many chains.
+template <int count>
+RVX_INLINE void polynomials(const Bundle<count> &z, double *toP, double *toQ)
+{
+    Bundle<count> p = z * p7 + p6, q = z * q7 + q6;
+    p = p * z + p5;
+    q = q * z + q5;
+    p = p * z + p4;
+    q = q * z + q4;
+    p = p * z + p3;
+    q = q * z + q3;
+    p = p * z + p2;
+    q = q * z + q2;
+    p = p * z + p1;
+    q = q * z + q1;
+    storeBundle(toP, p * z + p0);
+    storeBundle(toQ, q * z + q0);
 }
 
 bool isSpecial(double x)
@@ -75,7 +92,7 @@ double oneArctan(double x)
     const double size = std::fabs(x);
     const double t = size < 1.0 ? size : 1.0 / size;
     const double z = t * t;
-    const double near = t - t * (horner(numerator, z) / horner(denominator, z));
+    const double near = t - t * (numerator(z) / denominator(z));
     return std::copysign(size < 1.0 ? near : halfPi - near, x);
 }
 
@@ -85,46 +102,94 @@ double exactArctan(double x)
     return static_cast<double>(std::atan2(static_cast<Extended>(x), Extended{1.0}));
 }
 
-// As long as the last runLen of n elements are all finite, finishes them; gives the
+struct ArctanParts {
+    alignas(32) double t[chunkLen + runLen]; // the argument, below 1 or 1
+    alignas(32) double p[chunkLen];          // P(t^2)
+    alignas(32) double q[chunkLen];          // Q(t^2), then its reciprocal
+};
+
+// min(|x|, 1 / max(|x|, 1)), since 1 / |x| may overflow
+template <int count>
+RVX_INLINE Bundle<count> arctanArgument(const Bundle<count> &x)
+{
+    Bundle<count> t;
+    RVX_UNROLLED for (int i = 0; i < count; ++i)
+    {
+        const Lanes size = absLanes(x.v[i]);
+        t.v[i] = minLanes(size, allLanes(1.0) / maxLanes(allLanes(1.0), size));
+    }
+    return t;
+}
+
+// One group is one vector: its products come out alike in all four lanes. In place of
+// q comes 1 / q.
+template <int count>
+RVX_INLINE void shareDivision(double *atQ)
+{
+    const Bundle<count> mate = swapParts(loadBundle<count>(atQ));
+    const Bundle<count> pair = loadBundle<count>(atQ) * mate;
+    const Bundle<count> otherPair = swapHalves(pair);
+    const Bundle<count> share = overFours(1.0, pair * otherPair);
+    storeBundle(atQ, mate * (otherPair * share));
+}
+
+template <int count>
+RVX_INLINE void finishArctan(const double *src, double *dst, const ArctanParts &parts, int at)
+{
+    const Bundle<count> quotient =
+        loadBundle<count>(parts.p + at) * loadBundle<count>(parts.q + at);
+    const Bundle<count> t = loadBundle<count>(parts.t + at);
+    const Bundle<count> near = t - t * quotient;
+    const Bundle<count> far = halfPi - near;
+    RVX_UNROLLED for (int i = 0; i < count; ++i)
+    {
+        const Lanes x = loadLanes(src + at + 4 * i);
+        const LaneMask isNear = isBelow(absLanes(x), allLanes(1.0));
+        // The difference makes +0.0 of -0.0, which is to stay.
+        storeLanes(dst + at + 4 * i, withSignOf(choose(isNear, near.v[i], far.v[i]), x));
+    }
+}
+
+// len is a multiple of runLen and at most chunkLen. The steps stand apart, so that none
+// is a long chain and the processor works on several turns of it at once.
+RVX_INLINE void arctanChunk(const double *src, double *dst, int len)
+{
+    constexpr int count = runLen / 4;
+    ArctanParts parts;
+    storeBundle(parts.t, arctanArgument(loadBundle<count>(src)));
+    for (int i = 0; i < len; i += runLen) {
+        // The divisions of the next turn run beside the polynomials of this one.
+        const int next = i + runLen < len ? i + runLen : i;
+        storeBundle(parts.t + i + runLen, arctanArgument(loadBundle<count>(src + next)));
+        const Bundle<count> t = loadBundle<count>(parts.t + i);
+        polynomials(t * t, parts.p + i, parts.q + i);
+    }
+    for (int i = 0; i < len; i += runLen)
+        shareDivision<count>(parts.q + i);
+    for (int i = 0; i < len; i += runLen)
+        finishArctan<count>(src, dst, parts, i);
+}
+
+// len is a multiple of 4
+RVX_INLINE bool areFinite(const double *x, int len)
+{
+    Lanes greatest = {};
+    for (int i = len - 4; i >= 0; i -= 4)
+        greatest = maxMagnitude(greatest, loadLanes(x + i));
+    return everyLane(isBelow(greatest, allLanes(infinity)));
+}
+
+// As long as the last ones of n elements are all finite, finishes them; gives the
 // number of those that remain.
 RVX_KERNEL int arctanRuns(const double *src, double *dst, int n)
 {
-    for (; n >= runLen; n -= runLen) {
-        const double *from = src + n - runLen;
-        double *to = dst + n - runLen;
-        LaneMask isFinite = isBelow(absLanes(loadLanes(from)), allLanes(infinity));
-        for (int j = 1; j < 4; ++j)
-            isFinite = isFinite & isBelow(absLanes(loadLanes(from + 4 * j)), allLanes(infinity));
-        if (!everyLane(isFinite))
+    while (n >= runLen) {
+        const int len = n < chunkLen ? n / runLen * runLen : chunkLen;
+        if (!areFinite(src + n - len, len))
             break;
-
-        // One group is one vector. Its products come out alike in all four lanes.
-        Lanes t[4], p[4], qMate[4], pairs[4], product[4];
-        for (int j = 0; j < 4; ++j) {
-            // min(size, 1 / max(size, 1)), since 1 / size may overflow
-            const Lanes size = absLanes(loadLanes(from + 4 * j));
-            t[j] = minLanes(size, allLanes(1.0) / maxLanes(size, allLanes(1.0)));
-            const Lanes z = t[j] * t[j];
-            p[j] = horner(numerator, z);
-            const Lanes q = horner(denominator, z);
-            qMate[j] = swapParts(q);
-            const Lanes pair = q * qMate[j];
-            pairs[j] = swapHalves(pair);
-            product[j] = pair * pairs[j];
-        }
-        const Lanes r =
-            allLanes(1.0) / diagonalLanes(product[0], product[1], product[2], product[3]);
-        const Lanes share[4] = {laneEverywhere<0>(r), laneEverywhere<1>(r), laneEverywhere<2>(r),
-                                laneEverywhere<3>(r)};
-        for (int j = 0; j < 4; ++j) {
-            const Lanes x = loadLanes(from + 4 * j);
-            const Lanes quotient = p[j] * (qMate[j] * (pairs[j] * share[j]));
-            const Lanes near = t[j] - t[j] * quotient;
-            const Lanes isNear =
-                choose(isBelow(absLanes(x), allLanes(1.0)), near, allLanes(halfPi) - near);
-            // The difference makes +0.0 of -0.0, which is to stay.
-            storeLanes(to + 4 * j, withSignOf(isNear, x));
-        }
+        n -= len;
+        fetchBelow<chunkLen>(dst, n);
+        arctanChunk(src + n, dst + n, len);
     }
     return n;
 }

@@ -8,6 +8,17 @@
 
 constexpr int gatherLen = 64;
 
+// Fetches a chunk of what will be written some chunks below dst[n]. Chunks go down and
+// stores within each go up, which no prefetcher follows by itself.
+template <int chunk>
+RVX_INLINE void fetchBelow(const double *dst, int n)
+{
+    constexpr int ahead = 4 * chunk;
+    if (n >= ahead)
+        for (int i = 0; i < chunk; i += 8)
+            __builtin_prefetch(dst + n - ahead + i, 1);
+}
+
 struct Gathered {
     double value[gatherLen];
     int at[gatherLen];

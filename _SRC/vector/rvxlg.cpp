@@ -18,37 +18,37 @@ constexpr int groupLen = 4;
 constexpr int runLen = 4 * groupLen;
 constexpr double lgOfE = 0x1.bcb7b1526e50ep-2;
 
+// One group is one vector: its products come out alike in all four lanes.
+template <int count>
+RVX_INLINE void beginGroups(const double *src, LogParts &parts, int at, Lanes &least)
+{
+    const Bundle<count> d = reduceLog<count>(src, parts, at, least);
+    const Bundle<count> mate = swapParts(d);
+    const Bundle<count> pair = d * mate;
+    const Bundle<count> otherPair = swapHalves(pair);
+    const Bundle<count> share = overFours(1.0, pair * otherPair);
+    storeBundle(parts.s + at, loadBundle<count>(parts.g + at) * mate * (otherPair * share));
+}
+
 // n is a multiple of runLen.
 RVX_KERNEL void lgGroups(const double *src, double *dst, int n)
 {
-    for (int i = 0; i < n; i += runLen) {
-        // One group is one vector. Its products come out alike in all four lanes.
-        Reduced part[4];
-        Lanes mate[4], pairs[4], product[4];
-        LaneMask isSpecial = {};
-        for (int j = 0; j < 4; ++j) {
-            const Lanes x = loadLanes(src + i + 4 * j);
-            isSpecial = isSpecial | hasSpecialLog(x);
-            part[j] = reduceLog(x);
-            mate[j] = swapParts(part[j].d);
-            const Lanes pair = part[j].d * mate[j];
-            pairs[j] = swapHalves(pair);
-            product[j] = pair * pairs[j];
-        }
-        const Lanes r =
-            allLanes(1.0) / diagonalLanes(product[0], product[1], product[2], product[3]);
-        const Lanes share[4] = {laneEverywhere<0>(r), laneEverywhere<1>(r), laneEverywhere<2>(r),
-                                laneEverywhere<3>(r)};
-        Lanes log[4];
-        for (int j = 0; j < 4; ++j) {
-            const Lanes s = part[j].g * mate[j] * (pairs[j] * share[j]);
-            log[j] = finishLog(part[j].k, part[j].g, s);
-        }
-        if (anyLane(isSpecial))
-            for (int j = 0; j < 4; ++j)
-                log[j] = specialLogs(loadLanes(src + i + 4 * j), log[j]);
-        for (int j = 0; j < 4; ++j)
-            storeLanes(dst + i + 4 * j, log[j] * allLanes(lgOfE));
+    LogParts parts;
+    for (int from = 0; from < n; from += logChunkLen) {
+        const int len = n - from < logChunkLen ? n - from : logChunkLen;
+        const double *x = src + from;
+        double *log = dst + from;
+        Lanes least = noSpecialLogs();
+        int i = 0;
+        for (; i < len; i += 16)
+            beginGroups<4>(x, parts, i, least);
+        for (i = 0; i < len - 31; i += 32)
+            logSeries<8>(parts, i);
+        for (; i < len; i += 16)
+            logSeries<4>(parts, i);
+        const bool isSpecial = mayBeSpecialLogs(least);
+        for (i = 0; i < len; i += 16)
+            storeBundle(log + i, logsOf<4>(x, parts, i, isSpecial) * lgOfE);
     }
 }
 

@@ -27,34 +27,38 @@ constexpr int runLen = 8;
 
 constexpr double infinity = __builtin_inf();
 
-// 1 / (q of the element itself times that of its neighbour), for two vectors of pairs;
-// q is replaced by the neighbour's.
-RVX_INLINE void sharePairs(double one, Lanes &qA, Lanes &qB, Lanes &shareA, Lanes &shareB)
+template <int count>
+RVX_INLINE void beginPairs(const double *src, LogParts &parts, int at, Lanes &least)
 {
-    const Lanes mateA = swapParts(qA), mateB = swapParts(qB);
-    const Lanes r = allLanes(one) / blendOdd(qA * mateA, qB * mateB);
-    shareA = realParts(r);
-    shareB = imagParts(r);
-    qA = mateA;
-    qB = mateB;
+    const Bundle<count> d = reduceLog<count>(src, parts, at, least);
+    const Bundle<count> mate = swapParts(d);
+    const Bundle<count> share = overPairs(1.0, d * mate);
+    storeBundle(parts.s + at, loadBundle<count>(parts.g + at) * mate * share);
 }
 
 // n is a multiple of runLen.
 RVX_KERNEL void lnPairs(const double *src, double *dst, int n)
 {
-    for (int i = 0; i < n; i += runLen) {
-        const Lanes xA = loadLanes(src + i), xB = loadLanes(src + i + 4);
-        Reduced a = reduceLog(xA), b = reduceLog(xB);
-        Lanes shareA, shareB;
-        sharePairs(1.0, a.d, b.d, shareA, shareB);
-        Lanes logA = finishLog(a.k, a.g, a.g * a.d * shareA);
-        Lanes logB = finishLog(b.k, b.g, b.g * b.d * shareB);
-        if (anyLane(hasSpecialLog(xA) | hasSpecialLog(xB))) {
-            logA = specialLogs(xA, logA);
-            logB = specialLogs(xB, logB);
-        }
-        storeLanes(dst + i, logA);
-        storeLanes(dst + i + 4, logB);
+    LogParts parts;
+    for (int from = 0; from < n; from += logChunkLen) {
+        const int len = n - from < logChunkLen ? n - from : logChunkLen;
+        const double *x = src + from;
+        double *log = dst + from;
+        Lanes least = noSpecialLogs();
+        int i = 0;
+        for (; i < len - 15; i += 16)
+            beginPairs<4>(x, parts, i, least);
+        for (; i < len; i += 8)
+            beginPairs<2>(x, parts, i, least);
+        for (i = 0; i < len - 31; i += 32)
+            logSeries<8>(parts, i);
+        for (; i < len; i += 8)
+            logSeries<2>(parts, i);
+        const bool isSpecial = mayBeSpecialLogs(least);
+        for (i = 0; i < len - 15; i += 16)
+            storeBundle(log + i, logsOf<4>(x, parts, i, isSpecial));
+        for (; i < len; i += 8)
+            storeBundle(log + i, logsOf<2>(x, parts, i, isSpecial));
     }
 }
 
@@ -76,14 +80,11 @@ void lnBlock(const double *src, double *dst, int len)
         dst[paired] = rvxExactLn(src[paired]);
 }
 
-// Upper halves of what an exponential is not calculated for: below `tiny` in magnitude
-// it is 1, from -low down 0, from high up infinite.
+// Upper halves of what an exponential is not calculated for: up to tiny in magnitude it
+// is 1, from -low down 0, from high up infinite.
 constexpr std::uint32_t tinyTop = 0x3c000000;
 constexpr std::uint32_t lowTop = 0x40862326;
 constexpr std::uint32_t highTop = 0x40862e42;
-constexpr double tinyEnd = 0x1.00000ffffffffp-63;
-constexpr double lowBegin = -0x1.62326p+9;
-constexpr double highBegin = 0x1.62e42p+9;
 
 std::uint32_t topOf(double x)
 {
@@ -106,8 +107,8 @@ bool specialExp(double x, double &result)
     return true;
 }
 
-// For the one element that is in no pair. Positive numbers from the magnitude of
-// lowBegin up give zero here, on purpose.
+// For the one element that is in no pair. A positive number gives zero here where its
+// negative does, on purpose.
 double lonelyExp(double x)
 {
     const std::uint32_t top = topOf(x), size = top & 0x7fffffff;
@@ -118,53 +119,97 @@ double lonelyExp(double x)
     return inPlainMode([](Extended wide) { return std::exp(wide); }, x);
 }
 
-RVX_INLINE LaneMask isOrdinaryExp(Lanes x)
-{
-    return isBelow(allLanes(tinyEnd), absLanes(x)) & isBelow(allLanes(lowBegin), x) &
-           isBelow(x, allLanes(highBegin));
-}
+constexpr int expChunkLen = 64;
 
-// exp(x) = 2^n (1 + 2 a / d)
 struct ExpParts {
-    Lanes a, d;
-    Lanes scale; // 2^n, or infinity for n = 1024
+    alignas(32) double r[expChunkLen];
+    alignas(32) double power[expChunkLen];
+    alignas(32) double a[expChunkLen];
+    alignas(32) double d[expChunkLen];
 };
 
-RVX_INLINE ExpParts reduceExp(Lanes x)
+// x = n ln 2 + r; power is 2^n, or infinity for n = 1024
+template <int count>
+RVX_INLINE void reduceExp(const double *src, ExpParts &parts, int at)
 {
+    const Bundle<count> x = loadBundle<count>(src + at);
     // The sum has n in its lowest bits.
-    const Lanes magic = allLanes(0x1.8p52);
-    const Lanes shifted = x * allLanes(0x1.71547652b82fep+0) + magic;
-    const Lanes n = shifted - magic;
-    const Lanes r = (x - n * allLanes(lnTwoHigh)) - n * allLanes(lnTwoLow);
-    const Lanes z = r * r;
-    const Lanes a =
-        r * ((allLanes(1.6520330026827912e-05) * z + allLanes(0.006943600015117929)) * z +
-             allLanes(0.25));
-    const Lanes b =
-        (allLanes(0.0004958628849054413) * z + allLanes(0.05555386669690012)) * z + allLanes(0.5);
-    const Lanes scale = {(RvxVector)(((RvxBits)shifted.v << 52) + INT64_C(0x3ff0000000000000))};
-    return {a, b - a, scale};
+    const double magic = 0x1.8p52;
+    const Bundle<count> shifted = x * 0x1.71547652b82fep+0 + magic;
+    const Bundle<count> n = shifted - magic;
+    storeBundle(parts.r + at, (x - n * lnTwoHigh) - n * lnTwoLow);
+    RVX_UNROLLED for (int i = 0; i < count; ++i)
+    {
+        const RvxBits power = ((RvxBits)shifted.v[i].v << 52) + INT64_C(0x3ff0000000000000);
+        storeLanes(parts.power + at + 4 * i, {(RvxVector)power});
+    }
 }
 
-RVX_INLINE Lanes finishExp(ExpParts parts, Lanes share)
+// exp(r) = 1 + 2 a / d
+template <int count>
+RVX_INLINE void expFraction(ExpParts &parts, int at)
 {
-    return (allLanes(1.0) + parts.a * parts.d * share) * parts.scale;
+    const Bundle<count> r = loadBundle<count>(parts.r + at), z = r * r;
+    const Bundle<count> a = ((z * 1.6520330026827912e-05 + 0.006943600015117929) * z + 0.25) * r;
+    const Bundle<count> b = (z * 0.0004958628849054413 + 0.05555386669690012) * z + 0.5;
+    storeBundle(parts.a + at, a);
+    storeBundle(parts.d + at, b - a);
 }
 
-// As long as the last runLen of n elements are all ordinary, finishes them; gives the
+template <int count>
+RVX_INLINE Bundle<count> expsOf(const ExpParts &parts, int at)
+{
+    const Bundle<count> d = loadBundle<count>(parts.d + at), mate = swapParts(d);
+    const Bundle<count> a = loadBundle<count>(parts.a + at) * mate;
+    const Bundle<count> e = a * overPairs(2.0, d * mate) + 1.0;
+    return e * loadBundle<count>(parts.power + at);
+}
+
+// len is a multiple of runLen and at most expChunkLen. The steps stand apart, as those of
+// the logarithm.
+RVX_INLINE void expChunk(const double *src, double *dst, int len)
+{
+    ExpParts parts;
+    for (int i = 0; i < len; i += 8)
+        reduceExp<2>(src, parts, i);
+    for (int i = 0; i < len; i += 8)
+        expFraction<2>(parts, i);
+    for (int i = 0; i < len; i += 8)
+        storeBundle(dst + i, expsOf<2>(parts, i));
+}
+
+// True if all are sure to be ordinary; some positive ones that are not may be, too.
+RVX_INLINE bool areOrdinary(const double *x, int len)
+{
+    const RvxWords sizeBits = RvxWords{} + 0x7fffffffU;
+    RvxWords least = sizeBits, greatest = {};
+    for (int i = len - 4; i >= 0; i -= 4) {
+        const RvxWords top = (RvxWords)loadLanes(x + i).v & sizeBits;
+        least = top < least ? top : least;
+        greatest = top > greatest ? top : greatest;
+    }
+    // Each upper half is an odd word.
+    const auto fits = (RvxBits)((least > tinyTop) & (greatest < lowTop));
+    return everyLane({fits >> 63});
+}
+
+// n is a multiple of runLen and at most expChunkLen.
+RVX_KERNEL void expPairs(double *block, int n)
+{
+    expChunk(block, block, n);
+}
+
+// As long as the last ones of n elements are all ordinary, finishes them; gives the
 // number of those that remain.
 RVX_KERNEL int expRuns(const double *src, double *dst, int n)
 {
-    for (; n >= runLen; n -= runLen) {
-        const Lanes xA = loadLanes(src + n - 8), xB = loadLanes(src + n - 4);
-        if (!everyLane(isOrdinaryExp(xA) & isOrdinaryExp(xB)))
+    while (n >= runLen) {
+        const int len = n < expChunkLen ? n / runLen * runLen : expChunkLen;
+        if (!areOrdinary(src + n - len, len))
             break;
-        ExpParts a = reduceExp(xA), b = reduceExp(xB);
-        Lanes shareA, shareB;
-        sharePairs(2.0, a.d, b.d, shareA, shareB);
-        storeLanes(dst + n - 8, finishExp(a, shareA));
-        storeLanes(dst + n - 4, finishExp(b, shareB));
+        n -= len;
+        fetchBelow<expChunkLen>(dst, n);
+        expChunk(src + n, dst + n, len);
     }
     return n;
 }
@@ -180,7 +225,7 @@ int gatheredExps(const double *src, double *dst, int n)
     const int padded = (whole + runLen - 1) / runLen * runLen;
     for (int i = whole; i < padded; ++i)
         list.value[i] = 1.0;
-    expRuns(list.value, list.value, padded);
+    expPairs(list.value, padded);
     for (int i = 0; i < whole; ++i)
         dst[list.at[i]] = list.value[i];
     return n;
