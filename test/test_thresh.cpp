@@ -160,6 +160,9 @@ std::vector<ZCplx> specialPairs()
 {
     std::vector<ZCplx> pairs = {{1e-200, 0.0},   {1e-200, -1e-200}, {1e200, 1.0},
                                 {-1e160, 1e160}, {1e-160, 0.0},     {0.0, 3.0}};
+    // The largest number whose high word is zero, and the smallest whose is not.
+    const double below = fromBits(0xffffffffULL), above = fromBits(0x100000000ULL);
+    pairs.insert(pairs.end(), {{below, 0.0}, {0.0, below}, {above, 0.0}, {0.0, above}});
     const double parts[] = {0.0, -0.0, 1.0, -1e-310, 4e-324, -4e-324, INF, -INF, QUIET, -QUIET};
     for (double re : parts)
         for (double im : parts)
@@ -328,6 +331,9 @@ TEST(CplxThreshold, NamedCases)
     EXPECT_TRUE(same(one({0.0, 3.0}, 5.0, 0), {0.0, 5.0}));
     EXPECT_TRUE(same(one({0.0, 0.0}, 5.0, 0), {5.0, 0.0}));
     EXPECT_TRUE(same(one({1e-170, -1e-170}, 5.0, 0), {5.0, -1e-170}));
+    // The largest subnormal p, and the smallest normal one.
+    EXPECT_TRUE(same(one({0.0, -0x1.6a09e6p-512}, 0.5, 0), {0.5, -0x1.6a09e6p-512}));
+    EXPECT_TRUE(same(one({0.0, -0x1p-511}, 0.5, 0), {0.0, -0.5}));
     EXPECT_TRUE(same(one({3.0, -4.0}, 10.0, 0), {6.0, -8.0}));
     EXPECT_TRUE(same(one({3.0, -4.0}, 2.5, 1), {1.5, -2.0}));
     EXPECT_TRUE(same(one({3.0, -4.0}, 5.0, 0), {3.0, -4.0}));
@@ -338,6 +344,28 @@ TEST(CplxThreshold, NamedCases)
     EXPECT_TRUE(same(one({std::fabs(QUIET), 1.0}, 5.0, 1), {QUIET, QUIET}));
     EXPECT_TRUE(same(one({1.0, -std::fabs(QUIET)}, 5.0, 0), {QUIET, QUIET}));
     EXPECT_TRUE(same(one({1.0, -std::fabs(QUIET)}, 5.0, 1), {1.0, QUIET}));
+}
+
+// Beside elements that move, and also where an element is a signalling NaN.
+TEST(CplxThreshold, KeepsTheBitsOfWhatStays)
+{
+    const double payload = fromBits(0x7ff0000000abcdefULL);
+    for (int n = 2; n <= 20; ++n)
+        for (int at = 0; at < n; ++at)
+            for (int relOp : {0, 1}) {
+                // Positive NaNs are above every magnitude, negative ones below.
+                const double kept = relOp == 0 ? payload : -payload;
+                const ZCplx moves = relOp == 0 ? ZCplx{0.5, 0.5} : ZCplx{3.0, 4.0};
+                for (bool isReal : {false, true}) {
+                    std::vector<ZCplx> vec(static_cast<std::size_t>(n), moves);
+                    ZCplx &stays = vec[static_cast<std::size_t>(at)];
+                    stays = isReal ? ZCplx{kept, -1.5} : ZCplx{-1.5, kept};
+                    rvxzbThresh1(vec.data(), n, 1.0, relOp);
+                    ASSERT_EQ(bitsOf(isReal ? stays.re : stays.im), bitsOf(kept))
+                        << at << " of " << n;
+                    ASSERT_EQ(isReal ? stays.im : stays.re, -1.5);
+                }
+            }
 }
 
 TEST(RealReciprocal, ChecksItsArgumentsInOrder)
@@ -494,6 +522,11 @@ TEST(CplxReciprocal, NamedCases)
     EXPECT_EQ(dst[1].im, 0.0);
     EXPECT_TRUE(reports.take().empty());
 
+    // At the threshold an element is not lifted: d * g would leave the range here.
+    ZCplx atThresh = {1e-100, 0.0};
+    rvxzbInvThresh1(&atThresh, 1, 1e-100);
+    EXPECT_DOUBLE_EQ(atThresh.re, 1e100);
+
     // Squared magnitudes whose product leaves the range.
     for (double x : {1e-100, 1e100}) {
         ZCplx group[4] = {{x, 0.0}, {0.0, x}, {x, 0.0}, {0.0, x}};
@@ -502,6 +535,14 @@ TEST(CplxReciprocal, NamedCases)
         EXPECT_DOUBLE_EQ(group[3].im, -1.0 / x);
     }
     EXPECT_TRUE(reports.take().empty());
+
+    // A threshold is zero when its high word is.
+    ZCplx zeros[2] = {};
+    rvxzbInvThresh1(zeros, 1, fromBits(0x100000000ULL));
+    EXPECT_TRUE(reports.take().empty());
+    rvxzbInvThresh1(zeros + 1, 1, fromBits(0xffffffffULL));
+    EXPECT_EQ(reports.take(), badArgument("rvxzbInvThresh1", zeroElement, "rvxvec"));
+    EXPECT_EQ(zeros[1].re, INF);
 
     // A zero with a sign is none: alone it spoils itself, in a group all four.
     ZCplx signedZero[5] = {{1.0, 0.0}, {1.0, 0.0}, {-0.0, 0.0}, {1.0, 0.0}, {1.0, 0.0}};

@@ -74,6 +74,14 @@ RVX_INLINE LaneMask isBelowInBits(Lanes a, Lanes b)
     return {(RvxBits)a.v < (RvxBits)b.v};
 }
 
+// z * s where it moves, and elsewhere z bit for bit. Not by choose(): of that compilers
+// may make z * (moved ? s : 1), which turns a signalling NaN into a quiet one.
+RVX_INLINE Lanes scaleWhere(LaneMask moved, Lanes z, Lanes s)
+{
+    const RvxBits kept = (RvxBits)z.v, scaled = (RvxBits)(z * s).v;
+    return {(RvxVector)(kept ^ ((kept ^ scaled) & moved.b))};
+}
+
 // By sqrt(squared / p), where p is the squared magnitude and squared that of the
 // threshold. A NaN may move as well: p then has the sign bit of a part that is one.
 struct CplxRaise {
@@ -87,8 +95,8 @@ struct CplxRaise {
         const LaneMask nearOrigin = moved & isBelow(p, allLanes(0x1p-1022));
         const LaneMask scaled = moved & ~nearOrigin;
         const Lanes s = sqrtLanes(squared / p);
-        const Lanes re = choose(scaled, z.re * s, z.re);
-        return {choose(nearOrigin, thresh, re), choose(scaled, z.im * s, z.im)};
+        const Lanes re = scaleWhere(scaled, z.re, s);
+        return {choose(nearOrigin, thresh, re), scaleWhere(scaled, z.im, s)};
     }
 };
 
@@ -101,7 +109,7 @@ struct CplxLower {
         if (!anyLane(moved))
             return z;
         const Lanes s = sqrtLanes(squared / p);
-        return {choose(moved, z.re * s, z.re), choose(moved, z.im * s, z.im)};
+        return {scaleWhere(moved, z.re, s), scaleWhere(moved, z.im, s)};
     }
 };
 
