@@ -331,8 +331,8 @@ RVX_API void rvxdbInvThresh2(const double *src, double *dst, int len, double thr
 
 /* Complex: re * d and -d * im, with d = 1 / (im^2 + re^2); where g = 1 / thresh^2 is
  * below d, with sqrt(d * g) in d's place, so that the magnitude is at most 1 / thresh.
- * All of this is rounded to double: magnitudes should be between about 1e-154 and
- * 1e154.
+ * All of this is rounded to double: magnitudes, thresh and the product of the two
+ * should be between about 1e-154 and 1e154, or d, g and d * g leave the range.
  *
  * An element is zero when the high words of both parts are all zero (+0.0, and
  * positive numbers below 2^-1042); thresh is when its high word is. A zero element
