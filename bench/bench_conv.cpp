@@ -236,6 +236,7 @@ void registerComparisons()
          {"direct, real", "direct, complex", "direct, complex by real", "direct, real by complex"})
         limit(task, 1.0,
               "One product and one sum each for a fused operation of the loop, which changes "
-              "results; short operands pay for parting even elements from odd ones. Few taps: "
+              "results; short operands pay for parting even elements from odd ones, and a call "
+              "of one by one takes 55 to 68 cycles where the loop takes 39 to 49. Few taps: "
               "memory.");
 }
