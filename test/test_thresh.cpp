@@ -331,8 +331,8 @@ TEST(CplxThreshold, NamedCases)
     EXPECT_TRUE(same(one({0.0, 3.0}, 5.0, 0), {0.0, 5.0}));
     EXPECT_TRUE(same(one({0.0, 0.0}, 5.0, 0), {5.0, 0.0}));
     EXPECT_TRUE(same(one({1e-170, -1e-170}, 5.0, 0), {5.0, -1e-170}));
-    // The largest subnormal p, and the smallest normal one.
-    EXPECT_TRUE(same(one({0.0, -0x1.6a09e6p-512}, 0.5, 0), {0.5, -0x1.6a09e6p-512}));
+    // A subnormal p just below the normal range, and the smallest normal one.
+    EXPECT_TRUE(same(one({0.0, -0x1.ffffffp-512}, 0.5, 0), {0.5, -0x1.ffffffp-512}));
     EXPECT_TRUE(same(one({0.0, -0x1p-511}, 0.5, 0), {0.0, -0.5}));
     EXPECT_TRUE(same(one({3.0, -4.0}, 10.0, 0), {6.0, -8.0}));
     EXPECT_TRUE(same(one({3.0, -4.0}, 2.5, 1), {1.5, -2.0}));
