@@ -458,7 +458,8 @@ RVX_API void rvxzbNormalize(const ZCplx *src, ZCplx *dst, int n, ZCplx offset, d
  * kept and the lower cleared. Groups of four are formed from the end of the block,
  * past infinities and NaNs; before the first of them is begun, a negative quiet NaN
  * becomes -pi/2. What remains of a block of 4 or more when fewer than four elements
- * are left is exact to half a unit, and a NaN there stays one.
+ * are left is exact to half a unit, and a NaN there stays one. In a shorter block each
+ * element is by itself.
  * Checks: vec (src, dst) null; len below 1. */
 RVX_API void rvxdbArctan1(double *vec, int len);
 RVX_API void rvxdbArctan2(const double *src, double *dst, int len);
