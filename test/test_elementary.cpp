@@ -471,6 +471,23 @@ TEST(Arctan, QuietNanLosesItsLowerHalf)
     EXPECT_EQ(block[2], HALF_PI);
 }
 
+// The search that passed special values at the end is over with the first group.
+TEST(Arctan, NanLeftOverStaysOneAlsoBehindSpecialEnds)
+{
+    for (int grouped = 4; grouped <= 160; grouped += 4)
+        for (std::size_t left : {1U, 2U, 3U})
+            for (std::size_t at = 0; at < left; ++at)
+                for (double end : {INF, doubleOf(0xfff8000000000000)}) {
+                    Block source(left + static_cast<std::size_t>(grouped), 0.75);
+                    source[at] = doubleOf(0x7ff0000000000001);
+                    source.push_back(end);
+                    expectStated(families[0], source);
+                    rvxdbArctan1(source.data(), static_cast<int>(source.size()));
+                    ASSERT_TRUE(std::isnan(source[at])) << grouped << " and " << left;
+                    ASSERT_EQ(std::fabs(source.back()), HALF_PI);
+                }
+}
+
 TEST(Ln, SpecialValuesOfPairsAndOfTheLastOfAnOddBlock)
 {
     Block pair = {-0.0, 1.0};
