@@ -488,6 +488,19 @@ TEST(Arctan, NanLeftOverStaysOneAlsoBehindSpecialEnds)
                 }
 }
 
+// Of such numbers the lower words, too, are no greater than those of an infinity.
+TEST(Arctan, InfinityAmongRoundNumbersIsInNoGroup)
+{
+    for (std::size_t n = 16; n <= 40; ++n)
+        for (std::size_t at = 0; at < n; ++at) {
+            Block source;
+            for (std::size_t i = 0; i < n; ++i)
+                source.push_back(static_cast<double>(i * 37 % 29 + 1) / 16.0);
+            source[at] = INF;
+            expectStated(families[0], source);
+        }
+}
+
 TEST(Ln, SpecialValuesOfPairsAndOfTheLastOfAnOddBlock)
 {
     Block pair = {-0.0, 1.0};
