@@ -8,6 +8,7 @@
 
 #include "reference/correct.h"
 #include "support/arith_values.h"
+#include "support/float_environment.h"
 #include "support/reports.h"
 
 namespace {
@@ -527,6 +528,53 @@ TEST(Circles, ThereAndBack)
     }
 }
 
+// --- Rounding modes, flags, flushed subnormals ------------------------------------------
+
+TEST(PolarForms, FloatingPointEnvironmentNeitherCountsNorChanges)
+{
+    std::vector<ZCplx> points;
+    for (const double re : parts)
+        for (const double im : parts)
+            points.push_back({re, im});
+    Numbers r(6);
+    for (int i = 0; i < 1001; ++i)
+        points.push_back({r.scaled(-5, 10), r.scaled(-5, 10)});
+    std::vector<double> mags, phases;
+    for (const ZCplx z : points) {
+        mags.push_back(z.im);
+        phases.push_back(r.below(4) == 0 ? r.scaled(0, 60) : z.re);
+    }
+    const int n = static_cast<int>(points.size());
+    const auto cartesian = [&] {
+        std::vector<ZCplx> z(points.size());
+        rvxzbPolarToCart(mags.data(), phases.data(), z.data(), n);
+        return z;
+    };
+    const std::vector<ZCplx> expected = cartesian();
+    std::vector<ZCplx> found;
+    underEveryEnvironment([&] { found = cartesian(); },
+                          [&] {
+                              for (std::size_t i = 0; i < points.size(); ++i) {
+                                  ASSERT_TRUE(same(found[i].re, expected[i].re)) << phases[i];
+                                  ASSERT_TRUE(same(found[i].im, expected[i].im)) << phases[i];
+                              }
+                          });
+    std::vector<double> mag(points.size()), phase(points.size()), phaseAlone(points.size());
+    underEveryEnvironment(
+        [&] {
+            rvxzbCartToPolar(points.data(), mag.data(), phase.data(), n);
+            rvxzbPhase(points.data(), phaseAlone.data(), n);
+        },
+        [&] {
+            for (std::size_t i = 0; i < points.size(); ++i) {
+                const ZCplx z = points[i];
+                ASSERT_TRUE(same(mag[i], polarOf(z).re)) << z.re << ", " << z.im;
+                ASSERT_TRUE(same(phase[i], polarOf(z).im)) << z.re << ", " << z.im;
+                ASSERT_TRUE(same(phaseAlone[i], phaseOf(z))) << z.re << ", " << z.im;
+            }
+        });
+}
+
 // --- Magnitudes -------------------------------------------------------------------------
 
 namespace {
@@ -638,6 +686,25 @@ TEST(Magnitudes, ASignedNanIsReportedByTheRootOncePerRun)
         src[place] = src[place + 128] = {QUIET, 1.0};
         rvxzbMag(src.data(), mag.data(), 256);
         EXPECT_TRUE(reports.take().empty()) << at;
+    }
+}
+
+TEST(Magnitudes, OfTwoNansTheImaginaryOneIsReportedByItsSign)
+{
+    Reports reports;
+    for (int at : {0, 1, 2, 3, 64, 125, 126, 127}) {
+        const auto place = static_cast<std::size_t>(at);
+        std::vector<ZCplx> src = cplxNumbers(129, 10);
+        std::vector<double> mag(src.size(), -7.0);
+        src[place] = {-QUIET, QUIET};
+        rvxzbMag(src.data(), mag.data(), 129);
+        EXPECT_TRUE(reports.take().empty()) << at;
+        EXPECT_EQ(std::isnan(mag[place]), at >= 126) << at;
+        mag[place] = -7.0;
+        src[place] = {QUIET, -QUIET};
+        rvxzbMag(src.data(), mag.data(), 129);
+        EXPECT_EQ(reports.take(), signFailure) << at;
+        EXPECT_EQ(mag[place] == -7.0, at >= 126) << at;
     }
 }
 

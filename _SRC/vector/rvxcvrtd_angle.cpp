@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "frame/rvxfloatmode.h"
 #include "frame/rvxkernel.h"
 #include "frame/rvxlanes.h"
 #include "vector/rvxcvrtd_polar.h"
@@ -368,10 +369,14 @@ RVX_KERNEL void splitPolarBlock(const ZCplx *src, double *mag, double *phase, st
 
 void rvxFindPhases(const ZCplx *src, double *phase, std::ptrdiff_t n)
 {
+    const FloatMode before = enterPlainMode();
     findPhaseBlock(src, phase, n);
+    leavePlainMode(before);
 }
 
 void rvxSplitPolar(const ZCplx *src, double *mag, double *phase, std::ptrdiff_t n)
 {
+    const FloatMode before = enterPlainMode();
     splitPolarBlock(src, mag, phase, n);
+    leavePlainMode(before);
 }

@@ -171,13 +171,15 @@ RVX_KERNEL void formMagnitudes(const ZCplx *src, double *mag, std::ptrdiff_t n)
 }
 
 // The powers of a run and their roots. False where a power is subnormal, infinite or
-// NaN: then rvxdbSqrt2 has results of its own.
+// NaN: then rvxdbSqrt2 has results of its own. Of two NaNs the power is that of im, and
+// not the one that a compiler puts first: rvxdbSqrt2 reports by its sign.
 RVX_KERNEL bool formRun(const ZCplx *src, double *power, double *mag)
 {
     LaneMask ordinary = isEqual(allLanes(0.0), allLanes(0.0));
     for (int i = 0; i < RVX_MAGNITUDE_RUN; i += 4) {
         const Parts parts = partsOf(src + i);
-        const Lanes p = parts.im * parts.im + parts.re * parts.re;
+        const Lanes square = parts.im * parts.im;
+        const Lanes p = choose(isEqual(parts.im, parts.im), square + parts.re * parts.re, square);
         const Lanes smallest = choose(isEqual(p, allLanes(0.0)), p, allLanes(0x1p-1022));
         ordinary = ordinary & isAtMost(smallest, p) & isBelow(p, allLanes(HUGE_VAL));
         storeLanes(power + i, p);

@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "frame/rvxfloatmode.h"
 #include "frame/rvxkernel.h"
 #include "frame/rvxlanes.h"
 #include "vector/rvxcvrtd_polar.h"
@@ -299,5 +300,7 @@ RVX_KERNEL void joinPolarForms(const double *mag, const double *phase, ZCplx *ds
 
 void rvxJoinPolar(const double *mag, const double *phase, ZCplx *dst, std::ptrdiff_t n)
 {
+    const FloatMode before = enterPlainMode();
     joinPolarForms(mag, phase, dst, n);
+    leavePlainMode(before);
 }
