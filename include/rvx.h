@@ -245,8 +245,8 @@ RVX_API void rvxzbPowerSpectr(const ZCplx *src, double *spectr, int length);
  * rvxdbSqrt2, and a last part shorter than a run as above. In ordinary values this does
  * not show. Where a sum of squares is infinite or NaN, or subnormal, a run gives what
  * rvxdbSqrt2 gives: a finite result, of 2^512 about or of 2^-511, but in the last two
- * elements of the run; and a NaN whose sign bit is set is reported by rvxdbSqrt2, under
- * its name, when its run is done.
+ * elements of the run; and a NaN whose sign bit is set, that of im if both parts are NaN,
+ * is reported by rvxdbSqrt2, under its name, when its run is done.
  * Checks, the result before the source: length below 1; mag null; src null. */
 RVX_API void rvxzbMag(const ZCplx *src, double *mag, int length);
 
@@ -254,7 +254,8 @@ RVX_API void rvxzbMag(const ZCplx *src, double *mag, int length);
  * within 0.7 units in the last place for all arguments. Where src[i].im is zero of either
  * sign or NaN: +pi if src[i].re is negative or NaN, else 0.0; so a real value never has
  * -pi or -0.0. Else a src[i].re of NaN gives NaN. phase may begin where src does, and must
- * not overlap it otherwise.
+ * not overlap it otherwise. In this and the next two rounding is to nearest and
+ * subnormals count, whatever is set, and no exception flag is raised.
  * Checks, the result before the source: length below 1; phase null; src null. */
 RVX_API void rvxzbPhase(const ZCplx *src, double *phase, int length);
 
