@@ -160,7 +160,8 @@ TEST(ConvertFronts, EveryCombinationOfFailedChecksIsReportedInOrder)
                         for (const int fractBits : {0, 7, 8, 9, 15, 16, 31, 32, 33, -1, INT_MIN})
                             for (const int flags :
                                  {0, 128, 256, 512, 1024, 2048, 2048 | 128, 128 | 256, 512 | 1024,
-                                  1920, 4096, 8192, 128 | 4096 | 1, 2049, -1}) {
+                                  1920, 4096, 8192, 128 | 4096 | 1, 256 | 127, 512 | ~16383, 2049,
+                                  -1}) {
                                 if ((!function.hasFlags && flags != 0) ||
                                     (!function.hasSize && size != 8) ||
                                     (!function.hasFractBits && fractBits != 0))
