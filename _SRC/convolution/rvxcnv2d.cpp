@@ -12,6 +12,7 @@
 #include <cmath>
 #include <utility>
 
+#include "convolution/rvxconv_counts.h"
 #include "frame/rvxbuffer.h"
 #include "frame/rvxcheck.h"
 #include "rvx.h"
@@ -25,10 +26,7 @@ constexpr const char *RVX_NO_MEMORY_TEXT = "\nMemory allocation problem\n";
 // The smallest k with 2^k not below n, and 1 at least.
 int orderFor(std::int64_t n)
 {
-    int order = 1;
-    while ((std::int64_t{1} << order) < n)
-        ++order;
-    return order;
+    return std::max(1, ownOrderFor(n));
 }
 
 // Buffers count their elements in 32 bits; more than that is taken as more than

@@ -1,6 +1,7 @@
 // The choice between a direct sum, one transform and blocks, by fixed tables. Nothing
 // is measured at run time.
 
+#include "convolution/rvxconv_counts.h"
 #include "convolution/rvxconvd_costs.h"
 
 namespace {
@@ -26,12 +27,6 @@ constexpr CostColumns columns[] = {
 std::int64_t resultLen(int longLen, int shortLen)
 {
     return std::int64_t{longLen} + shortLen - 1;
-}
-
-// floor(log2(x)), x >= 1
-int log2Of(std::int64_t x)
-{
-    return 63 - __builtin_clzll(static_cast<unsigned long long>(x));
 }
 
 double wholeCost(const CostColumns &c, int order)
@@ -66,7 +61,7 @@ ConvChoice rvxChooseConv(ConvForm form, int longLen, int shortLen)
         return {RVX_CONV_DIRECT, 1};
     const CostColumns &c = columns[form];
     const std::int64_t total = resultLen(longLen, shortLen);
-    const int k = log2Of(shortLen) + 2;
+    const int k = ownLog2(shortLen) + 2;
     int mode = 1;
     double best;
     if (longLen > std::int64_t{32} * shortLen) {
@@ -86,21 +81,20 @@ ConvChoice rvxChooseConv(ConvForm form, int longLen, int shortLen)
         }
     }
     // Deliberate: one order above what the result needs when its length is a power of two.
-    if (wholeCost(c, log2Of(total) + 1) <= best)
+    if (wholeCost(c, ownLog2(total) + 1) <= best)
         return {RVX_CONV_WHOLE, 1};
     return {RVX_CONV_BLOCKS, mode};
 }
 
 int rvxConvWholeOrder(int longLen, int shortLen)
 {
-    const std::int64_t total = resultLen(longLen, shortLen);
-    return total == 1 ? 0 : log2Of(total - 1) + 1;
+    return ownOrderFor(resultLen(longLen, shortLen));
 }
 
 int rvxConvBlockOrder(int longLen, int shortLen, int mode)
 {
     const std::int64_t total = resultLen(longLen, shortLen);
-    int order = log2Of(shortLen) + 1;
+    int order = ownLog2(shortLen) + 1;
     const int doublings = mode >= 2 ? 2 : 1; // deliberate: no third one in mode 3
     for (int i = 0; i < doublings && (std::int64_t{1} << order) < total; ++i)
         ++order;

@@ -8,6 +8,7 @@
 
 #include "convolution/rvxcorr_paths.h"
 #include "frame/rvxcheck.h"
+#include "frame/rvxcplx.h"
 
 RVX_MODULE("rvxcorr")
 
@@ -30,17 +31,6 @@ void crossCorr(const char *func, const A *src1, int len1, const B *src2, int len
         ownCrossDirect(task);
 }
 
-void scaleLag(double &value, double factor)
-{
-    value *= factor;
-}
-
-void scaleLag(ZCplx &value, double factor)
-{
-    value.re *= factor;
-    value.im *= factor;
-}
-
 // The number of products that lag k of an unbiased estimate has.
 void unbias(const AutoTask<double> &task)
 {
@@ -52,7 +42,7 @@ void unbias(const AutoTask<double> &task)
 void unbias(const AutoTask<ZCplx> &task)
 {
     for (std::int64_t k = 0; k < task.lags; ++k)
-        scaleLag(task.dst[k], 1.0 / static_cast<double>(task.len - k));
+        task.dst[k] = task.dst[k] * (1.0 / static_cast<double>(task.len - k));
 }
 
 template <typename Sample>
@@ -62,7 +52,7 @@ void autoCorrDirect(const AutoTask<Sample> &task, int corrType)
         {task.src, task.len, task.src, task.len, task.dst, 0, task.lags});
     if (corrType == RVX_AUTOCORR_BIASED)
         for (std::int64_t k = 0; k < task.lags; ++k)
-            scaleLag(task.dst[k], 1.0 / static_cast<double>(task.len));
+            task.dst[k] = task.dst[k] * (1.0 / static_cast<double>(task.len));
     else if (corrType == RVX_AUTOCORR_UNBIASED)
         unbias(task);
 }

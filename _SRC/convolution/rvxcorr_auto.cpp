@@ -12,6 +12,7 @@
 #include "convolution/rvxcorr_paths.h"
 #include "convolution/rvxfir2.h"
 #include "frame/rvxbuffer.h"
+#include "frame/rvxcplx.h"
 #include "transform/rvxfftd.h"
 #include "transform/rvxmisc.h"
 #include "transform/rvxtwd.h"
@@ -136,16 +137,6 @@ double weight(double scale, std::int64_t len, std::int64_t k, int corrType)
     return corrType == RVX_AUTOCORR_UNBIASED ? scale / static_cast<double>(len - k) : scale;
 }
 
-double scaled(double value, double factor)
-{
-    return value * factor;
-}
-
-ZCplx scaled(ZCplx value, double factor)
-{
-    return {value.re * factor, value.im * factor};
-}
-
 template <typename Form, typename Sample>
 bool autoBlocks(const AutoTask<Sample> &task, int corrType)
 {
@@ -171,7 +162,7 @@ bool autoBlocks(const AutoTask<Sample> &task, int corrType)
         const Sample *sums = Form::finish(buffers.acc, order, tables);
         const double scale = 1.0 / static_cast<double>(blocks.whole);
         for (std::int64_t k = 0; k < task.lags; ++k)
-            task.dst[k] = scaled(sums[k], weight(scale, task.len, k, corrType));
+            task.dst[k] = sums[k] * weight(scale, task.len, k, corrType);
     }
     Form::drop(tables);
     ownReleaseBuffers(buffers);

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 
+#include "convolution/rvxconv_counts.h"
 #include "convolution/rvxcorr_paths.h"
 #include "convolution/rvxfir2.h"
 #include "frame/rvxbuffer.h"
@@ -306,11 +307,9 @@ bool mixedBlocks(const CrossTask<A, B> &task, AddProducts addProducts)
 
 CorrBlocks ownCorrBlocks(std::int64_t len, std::int64_t lags)
 {
-    int order = 1;
-    while (std::int64_t{1} << (order - 1) < lags)
-        ++order;
-    const std::int64_t half = std::int64_t{1} << (order - 1);
-    return {order, half, 2 * half, (len + half - 1) / half};
+    const int order = ownOrderFor(lags);
+    const std::int64_t half = std::int64_t{1} << order;
+    return {order + 1, half, 2 * half, (len + half - 1) / half};
 }
 
 bool ownObtainBuffers(std::int64_t xLen, std::int64_t yLen, std::int64_t accLen,

@@ -233,6 +233,19 @@ RVX_INLINE void sumByParts(const Walk<ComplexByComplex<CONJUGATED>> &walk, std::
     sumRest<ComplexByComplex<CONJUGATED>, 8>(walk, lag, common, s, sums);
 }
 
+template <typename Way>
+RVX_INLINE void sumWhole(const Walk<Way> &walk, std::int64_t lag, typename Way::Sum *sums)
+{
+    sumTile<Way, Way::REGISTERS>(walk, lag, sums);
+}
+
+template <bool CONJUGATED>
+RVX_INLINE void sumWhole(const Walk<ComplexByComplex<CONJUGATED>> &walk, std::int64_t lag,
+                         ZCplx *sums)
+{
+    sumByParts(walk, lag, sums);
+}
+
 // At least the first `lags` of the tile's sums, with the registers that these need.
 template <typename Way>
 RVX_INLINE void sumWay(const Walk<Way> &walk, std::int64_t lag, std::int64_t lags,
@@ -242,25 +255,10 @@ RVX_INLINE void sumWay(const Walk<Way> &walk, std::int64_t lag, std::int64_t lag
         sumTile<Way, 1>(walk, lag, sums);
     else if (lags <= 2 * Way::LAGS)
         sumTile<Way, 2>(walk, lag, sums);
-    else if (lags <= 4 * Way::LAGS || Way::REGISTERS == 4)
+    else if (lags <= 4 * Way::LAGS && Way::REGISTERS > 4)
         sumTile<Way, 4>(walk, lag, sums);
     else
-        sumTile<Way, 8>(walk, lag, sums);
-}
-
-template <bool CONJUGATED>
-RVX_INLINE void sumWay(const Walk<ComplexByComplex<CONJUGATED>> &walk, std::int64_t lag,
-                       std::int64_t lags, ZCplx *sums)
-{
-    using Way = ComplexByComplex<CONJUGATED>;
-    if (lags <= Way::LAGS)
-        sumTile<Way, 1>(walk, lag, sums);
-    else if (lags <= 2 * Way::LAGS)
-        sumTile<Way, 2>(walk, lag, sums);
-    else if (lags <= 4 * Way::LAGS)
-        sumTile<Way, 4>(walk, lag, sums);
-    else
-        sumByParts(walk, lag, sums);
+        sumWhole(walk, lag, sums);
 }
 
 RVX_KERNEL void sumLags(const Walk<RealByReal> &walk, std::int64_t lag, std::int64_t lags,

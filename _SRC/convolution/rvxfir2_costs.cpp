@@ -1,73 +1,52 @@
 // The operation counts that choose the way of filtering. They are part of what the
 // library promises: a call on the same sizes always goes the same way.
 
+#include "convolution/rvxconv_counts.h"
 #include "convolution/rvxfir2_paths.h"
 
 namespace {
 
-// n a power of two, as double since products of sides pass 64 bits.
+// Sides of blocks are powers of two, 2 and more; areas pass 64 bits.
 
-double log2Of(double n)
+double areaOf(std::int64_t rows, std::int64_t cols)
 {
-    double log = 0.0;
-    while (n >= 2.0) {
-        n /= 2.0;
-        log += 1.0;
-    }
-    return log;
-}
-
-// A complex transform of n points.
-double lineCost(double n)
-{
-    return log2Of(n) * n / 2.0 * 24.0;
-}
-
-// The split of a line of n values.
-double splitCost(double n)
-{
-    return n == 1.0 ? 8.0 : (n / 2.0 - 1.0) * 40.0 + 8.0;
+    return static_cast<double>(rows) * static_cast<double>(cols);
 }
 
 // The product of two packed lines of n values.
-double lineProductCost(double n)
+double lineProductCount(std::int64_t n)
 {
-    return n < 2.0 ? 3.0 : 14.0 * (n - 2.0) / 2.0 + 3.0 + 3.0;
+    return 14.0 * static_cast<double>(n - 2) / 2.0 + 3.0 + 3.0;
 }
 
-double linesCost(double rows, double cols)
+double linesCount(std::int64_t rows, std::int64_t cols)
 {
-    return rows * lineCost(cols) + cols * lineCost(rows);
+    return static_cast<double>(rows) * ownTransformCount(cols) +
+           static_cast<double>(cols) * ownTransformCount(rows);
 }
 
-double splitsCost(double rows, double cols)
+double splitsCount(std::int64_t rows, std::int64_t cols)
 {
-    if (rows <= 1.0)
-        return splitCost(cols);
-    return splitCost(cols) + (rows / 2.0 - 1.0) * cols * 36.0 + splitCost(cols);
+    return ownSplitCount(cols, 40.0) + areaOf(rows / 2 - 1, cols) * 36.0 +
+           ownSplitCount(cols, 40.0);
 }
 
 // A transform of a real block.
-double transformCost(double rows, double cols)
+double transformCount(std::int64_t rows, std::int64_t cols)
 {
-    return linesCost(rows, cols / 2.0) + splitsCost(rows, cols);
+    return linesCount(rows, cols / 2) + splitsCount(rows, cols);
 }
 
-double productCost(double rows, double cols)
+double productCount(std::int64_t rows, std::int64_t cols)
 {
-    if (rows <= 1.0)
-        return lineProductCost(cols);
-    return lineProductCost(cols) + lineProductCost(cols) + 14.0 * (rows - 2.0) * cols / 2.0;
+    return lineProductCount(cols) + lineProductCount(cols) + 14.0 * areaOf(rows - 2, cols) / 2.0;
 }
 
 } // namespace
 
 std::int64_t ownFilter2dBlockLen(std::int64_t n)
 {
-    std::int64_t len = 2;
-    while (len < 2 * n)
-        len *= 2;
-    return len;
+    return std::int64_t{2} << ownOrderFor(n);
 }
 
 Filter2dCosts ownFilter2dCosts(std::int64_t xCols, std::int64_t xRows, std::int64_t hCols,
@@ -79,13 +58,10 @@ Filter2dCosts ownFilter2dCosts(std::int64_t xCols, std::int64_t xRows, std::int6
     const std::int64_t stepCols = blockCols - hCols + 1;
     const std::int64_t across = (xCols + blockCols - hCols) / stepCols;
     const std::int64_t down = (xRows + blockRows - hRows) / stepRows;
-    const double blocks = static_cast<double>(across) * static_cast<double>(down);
-    const auto rows = static_cast<double>(blockRows);
-    const auto cols = static_cast<double>(blockCols);
-    const double copies =
-        2.0 * static_cast<double>(stepRows) * static_cast<double>(stepCols) + 2.0 * rows * cols;
-    const double transform = transformCost(rows, cols);
-    return {static_cast<double>(xCols) * static_cast<double>(xRows) * 4.0 *
-                (static_cast<double>(hCols) * static_cast<double>(hRows)),
-            blocks * (copies + transform + productCost(rows, cols) + transform) + transform};
+    const double copies = 2.0 * areaOf(stepRows, stepCols) + 2.0 * areaOf(blockRows, blockCols);
+    const double transform = transformCount(blockRows, blockCols);
+    return {areaOf(xRows, xCols) * 4.0 * areaOf(hRows, hCols),
+            areaOf(down, across) *
+                    (copies + transform + productCount(blockRows, blockCols) + transform) +
+                transform};
 }
