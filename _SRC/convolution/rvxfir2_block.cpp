@@ -60,104 +60,102 @@ RVX_INLINE void sumDifference(Lanes &a, Lanes &b)
     a = sum;
 }
 
-// The rows of a column transform that meet: `stride` slots apart.
-template <typename Slots>
-RVX_INLINE void splitTwo(ZCplx *row, std::int64_t n, std::int64_t stride, RowFactor w)
-{
-    for (std::int64_t s = 0; s < n; s += Slots::count) {
-        Lanes a = Slots::load(row + s);
-        Lanes b = Slots::load(row + (s + stride));
-        sumDifference(a, b);
-        Slots::store(row + s, a);
-        Slots::store(row + (s + stride), b * w);
-    }
-}
+// What is done where rows of a column transform meet: down the columns (Split), and the
+// mirror images of that with conjugate factors (Merge).
 
-template <typename Slots>
-RVX_INLINE void mergeTwo(ZCplx *row, std::int64_t n, std::int64_t stride, RowFactor w)
-{
-    for (std::int64_t s = 0; s < n; s += Slots::count) {
-        Lanes a = Slots::load(row + s);
-        Lanes b = Slots::load(row + (s + stride)) * w;
-        sumDifference(a, b);
-        Slots::store(row + s, a);
-        Slots::store(row + (s + stride), b);
-    }
-}
+struct SplitTwo {
+    RowFactor w;
 
-// Two radix-2 steps in one sweep: first over the distance of two strides with the
-// factors `first` and `firstNext`, then over one with `second`.
-template <typename Slots>
-RVX_INLINE void splitFour(ZCplx *row, std::int64_t n, std::int64_t stride, RowFactor first,
-                          RowFactor firstNext, RowFactor second)
-{
-    for (std::int64_t s = 0; s < n; s += Slots::count) {
-        ZCplx *p = row + s;
-        Lanes a = Slots::load(p);
-        Lanes b = Slots::load(p + stride);
-        Lanes c = Slots::load(p + 2 * stride);
-        Lanes d = Slots::load(p + 3 * stride);
+    RVX_INLINE void turn(Lanes &a, Lanes &b) const
+    {
+        sumDifference(a, b);
+        b = b * w;
+    }
+};
+
+struct MergeTwo {
+    RowFactor w;
+
+    RVX_INLINE void turn(Lanes &a, Lanes &b) const
+    {
+        b = b * w;
+        sumDifference(a, b);
+    }
+};
+
+// Two radix-2 steps at once: over the distance of two strides with the factors `first`
+// and `firstNext`, and over one with `second`.
+struct SplitFour {
+    RowFactor first, firstNext, second;
+
+    RVX_INLINE void turn(Lanes &a, Lanes &b, Lanes &c, Lanes &d) const
+    {
         sumDifference(a, c);
         sumDifference(b, d);
         c = c * first;
         d = d * firstNext;
         sumDifference(a, b);
         sumDifference(c, d);
-        Slots::store(p, a);
-        Slots::store(p + stride, b * second);
-        Slots::store(p + 2 * stride, c);
-        Slots::store(p + 3 * stride, d * second);
+        b = b * second;
+        d = d * second;
     }
-}
+};
+
+struct MergeFour {
+    RowFactor first, firstNext, second;
+
+    RVX_INLINE void turn(Lanes &a, Lanes &b, Lanes &c, Lanes &d) const
+    {
+        b = b * second;
+        d = d * second;
+        sumDifference(a, b);
+        sumDifference(c, d);
+        c = c * first;
+        d = d * firstNext;
+        sumDifference(a, c);
+        sumDifference(b, d);
+    }
+};
 
 // The same where the factors are 1, -i and 1.
-template <typename Slots>
-RVX_INLINE void splitFourFirst(ZCplx *row, std::int64_t n, std::int64_t stride)
-{
-    for (std::int64_t s = 0; s < n; s += Slots::count) {
-        ZCplx *p = row + s;
-        Lanes a = Slots::load(p);
-        Lanes b = Slots::load(p + stride);
-        Lanes c = Slots::load(p + 2 * stride);
-        Lanes d = Slots::load(p + 3 * stride);
+struct SplitFourFirst {
+    RVX_INLINE void turn(Lanes &a, Lanes &b, Lanes &c, Lanes &d) const
+    {
         sumDifference(a, c);
         sumDifference(b, d);
         d = conjugated(swapParts(d));
         sumDifference(a, b);
         sumDifference(c, d);
-        Slots::store(p, a);
-        Slots::store(p + stride, b);
-        Slots::store(p + 2 * stride, c);
-        Slots::store(p + 3 * stride, d);
     }
-}
+};
 
-// The mirror images, with conjugate factors.
-template <typename Slots>
-RVX_INLINE void mergeFour(ZCplx *row, std::int64_t n, std::int64_t stride, RowFactor first,
-                          RowFactor firstNext, RowFactor second)
+struct MergeFourFirst {
+    RVX_INLINE void turn(Lanes &a, Lanes &b, Lanes &c, Lanes &d) const
+    {
+        sumDifference(a, b);
+        sumDifference(c, d);
+        d = negateEven(swapParts(d));
+        sumDifference(a, c);
+        sumDifference(b, d);
+    }
+};
+
+// Rows of n slots, `stride` slots apart.
+template <typename Slots, typename Work>
+RVX_INLINE void overTwoRows(ZCplx *row, std::int64_t n, std::int64_t stride, Work work)
 {
     for (std::int64_t s = 0; s < n; s += Slots::count) {
         ZCplx *p = row + s;
         Lanes a = Slots::load(p);
-        Lanes b = Slots::load(p + stride) * second;
-        Lanes c = Slots::load(p + 2 * stride);
-        Lanes d = Slots::load(p + 3 * stride) * second;
-        sumDifference(a, b);
-        sumDifference(c, d);
-        c = c * first;
-        d = d * firstNext;
-        sumDifference(a, c);
-        sumDifference(b, d);
+        Lanes b = Slots::load(p + stride);
+        work.turn(a, b);
         Slots::store(p, a);
         Slots::store(p + stride, b);
-        Slots::store(p + 2 * stride, c);
-        Slots::store(p + 3 * stride, d);
     }
 }
 
-template <typename Slots>
-RVX_INLINE void mergeFourFirst(ZCplx *row, std::int64_t n, std::int64_t stride)
+template <typename Slots, typename Work>
+RVX_INLINE void overFourRows(ZCplx *row, std::int64_t n, std::int64_t stride, Work work)
 {
     for (std::int64_t s = 0; s < n; s += Slots::count) {
         ZCplx *p = row + s;
@@ -165,11 +163,7 @@ RVX_INLINE void mergeFourFirst(ZCplx *row, std::int64_t n, std::int64_t stride)
         Lanes b = Slots::load(p + stride);
         Lanes c = Slots::load(p + 2 * stride);
         Lanes d = Slots::load(p + 3 * stride);
-        sumDifference(a, b);
-        sumDifference(c, d);
-        d = negateEven(swapParts(d));
-        sumDifference(a, c);
-        sumDifference(b, d);
+        work.turn(a, b, c, d);
         Slots::store(p, a);
         Slots::store(p + stride, b);
         Slots::store(p + 2 * stride, c);
@@ -186,16 +180,17 @@ RVX_INLINE void splitColumns(ZCplx *data, std::int64_t rows, std::int64_t n, boo
     if (oddOrder) {
         len /= 2;
         for (std::int64_t i = 0; i < len; ++i)
-            splitTwo<Slots>(data + i * n, n, len * n, rowFactor(table[i]));
+            overTwoRows<Slots>(data + i * n, n, len * n, SplitTwo{rowFactor(table[i])});
     }
     for (; len > 1; len /= 4) {
         const std::int64_t stride = len / 4;
         for (std::int64_t start = 0; start < rows; start += len) {
-            splitFourFirst<Slots>(data + start * n, n, stride * n);
+            overFourRows<Slots>(data + start * n, n, stride * n, SplitFourFirst{});
             for (std::int64_t i = 1; i < stride; ++i) {
                 const ZCplx *w = table + i * (rows / len);
-                splitFour<Slots>(data + (start + i) * n, n, stride * n, rowFactor(w[0]),
-                                 rowFactor(w[rows / 4]), rowFactor(w[i * (rows / len)]));
+                const SplitFour work = {rowFactor(w[0]), rowFactor(w[rows / 4]),
+                                        rowFactor(w[i * (rows / len)])};
+                overFourRows<Slots>(data + (start + i) * n, n, stride * n, work);
             }
         }
     }
@@ -210,18 +205,18 @@ RVX_INLINE void mergeColumns(ZCplx *data, std::int64_t rows, std::int64_t n, boo
     for (; len <= rows; len *= 4) {
         const std::int64_t stride = len / 4;
         for (std::int64_t start = 0; start < rows; start += len) {
-            mergeFourFirst<Slots>(data + start * n, n, stride * n);
+            overFourRows<Slots>(data + start * n, n, stride * n, MergeFourFirst{});
             for (std::int64_t i = 1; i < stride; ++i) {
                 const ZCplx *w = table + i * (rows / len);
-                mergeFour<Slots>(data + (start + i) * n, n, stride * n, conjugateFactor(w[0]),
-                                 conjugateFactor(w[rows / 4]),
-                                 conjugateFactor(w[i * (rows / len)]));
+                const MergeFour work = {conjugateFactor(w[0]), conjugateFactor(w[rows / 4]),
+                                        conjugateFactor(w[i * (rows / len)])};
+                overFourRows<Slots>(data + (start + i) * n, n, stride * n, work);
             }
         }
     }
     if (oddOrder)
         for (std::int64_t i = 0; i < rows / 2; ++i)
-            mergeTwo<Slots>(data + i * n, n, rows / 2 * n, conjugateFactor(table[i]));
+            overTwoRows<Slots>(data + i * n, n, rows / 2 * n, MergeTwo{conjugateFactor(table[i])});
 }
 
 RVX_KERNEL void filterSplitColumns(ZCplx *data, std::int64_t rows, std::int64_t n, bool oddOrder,

@@ -113,16 +113,6 @@ RVX_KERNEL void joinLineReversed(ZCplx *z, int order, Factors w)
     turnReversed<Inverse>(z, order, w);
 }
 
-// Lines of four bins and more have pairs, and they alone need factors; null when
-// there is no memory for these.
-const ZCplx *pairFactors(const char *func, int order)
-{
-    const ZCplx *table = rvxFindFftTwdTbl(order + 1);
-    if (table == nullptr)
-        RVX_REPORT_AS(func, RVX_STATUS_NO_MEMORY, "NULL Pointer");
-    return table;
-}
-
 Factors factorsOf(const ZCplx *table, int order, int flags)
 {
     if ((flags & RVX_FFT_INVERSE) == 0)
@@ -133,6 +123,32 @@ Factors factorsOf(const ZCplx *table, int order, int flags)
 void turnFirst(ZCplx *z)
 {
     z[0] = {z[0].re + z[0].im, z[0].re - z[0].im};
+}
+
+struct LineKernels {
+    void (*natural)(ZCplx *z, std::int64_t n, Factors w);
+    void (*reversed)(ZCplx *z, int order, Factors w);
+};
+
+// All bins but the one in the middle. Lines of four bins and more have pairs, and they
+// alone need factors: false, and nothing done, when there is no memory for these.
+bool turnLine(const char *func, LineKernels kernels, ZCplx *z, int order, int flags, bool reversed)
+{
+    const std::int64_t n = std::int64_t{1} << order;
+    if (n > 2) {
+        const ZCplx *table = rvxFindFftTwdTbl(order + 1);
+        if (table == nullptr) {
+            RVX_REPORT_AS(func, RVX_STATUS_NO_MEMORY, "NULL Pointer");
+            return false;
+        }
+        const Factors w = factorsOf(table, order, flags);
+        if (reversed)
+            kernels.reversed(z, order, w);
+        else
+            kernels.natural(z, n, w);
+    }
+    turnFirst(z);
+    return true;
 }
 
 } // namespace
@@ -155,18 +171,8 @@ void rvxRealSplitFwd(ZCplx *z, int order, int flags)
 {
     const bool reversed = (flags & RVX_FFT_OUT_BIT_REV) != 0;
     const std::int64_t n = std::int64_t{1} << order;
-    if (n > 2) {
-        const ZCplx *table = pairFactors(__func__, order);
-        if (table == nullptr)
-            return;
-        const Factors w = factorsOf(table, order, flags);
-        if (reversed)
-            splitLineReversed(z, order, w);
-        else
-            splitLineNatural(z, n, w);
-    }
-    turnFirst(z);
-    if (n < 2 || (flags & RVX_FFT_INVERSE) != 0)
+    if (!turnLine(__func__, {splitLineNatural, splitLineReversed}, z, order, flags, reversed) ||
+        n < 2 || (flags & RVX_FFT_INVERSE) != 0)
         return;
     ZCplx &middle = z[reversed ? 1 : n / 2];
     middle.im = -middle.im;
@@ -176,18 +182,8 @@ void rvxRealSplitInv(ZCplx *z, int order, int flags)
 {
     const bool reversed = (flags & RVX_FFT_IN_BIT_REV) != 0;
     const std::int64_t n = std::int64_t{1} << order;
-    if (n > 2) {
-        const ZCplx *table = pairFactors(__func__, order);
-        if (table == nullptr)
-            return;
-        const Factors w = factorsOf(table, order, flags);
-        if (reversed)
-            joinLineReversed(z, order, w);
-        else
-            joinLineNatural(z, n, w);
-    }
-    turnFirst(z);
-    if (n < 2)
+    if (!turnLine(__func__, {joinLineNatural, joinLineReversed}, z, order, flags, reversed) ||
+        n < 2)
         return;
     ZCplx &middle = z[reversed ? 1 : n / 2];
     middle = {2.0 * middle.re, 2.0 * middle.im};
