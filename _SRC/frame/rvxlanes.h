@@ -49,8 +49,8 @@ RVX_INLINE Lanes loadLanes(const double *p)
     return {*reinterpret_cast<const RvxVectorMem *>(p)};
 }
 
-// The same for a value that is used as doubles and as words: a compiler would load
-// it for each, and loads are what such kernels wait for.
+// Loads exactly once. From a plain load compilers make one for each use, and loads are
+// what many kernels wait for.
 RVX_INLINE Lanes loadLanesOnce(const double *p)
 {
     return {*reinterpret_cast<const volatile RvxVectorMem *>(p)};
@@ -61,8 +61,6 @@ RVX_INLINE Lanes loadLanes(const ZCplx *p)
     return {*reinterpret_cast<const RvxVectorMem *>(p)};
 }
 
-// For operands that are shuffled in several ways: compilers would fetch them from
-// memory once for each way, which makes the loads the limit.
 RVX_INLINE Lanes loadLanesOnce(const ZCplx *p)
 {
     return {*reinterpret_cast<const volatile RvxVectorMem *>(p)};

@@ -11,7 +11,7 @@
 
 RVX_INLINE Quad loadFactors(const double *p)
 {
-    return {loadOnce(p), loadOnce(p + 4)};
+    return {loadLanesOnce(p), loadLanesOnce(p + 4)};
 }
 
 // ---------------------------------------------------------------------------

@@ -78,40 +78,17 @@ RVX_INLINE void split8(Quad *x)
     x[7] = Quad{x[7].re + x[7].im, x[7].im - x[7].re} * half;
 }
 
-RVX_INLINE Lanes lowHalves(Lanes a, Lanes b)
-{
-    return {__builtin_shufflevector(a.v, b.v, 0, 1, 4, 5)};
-}
-
-RVX_INLINE Lanes highHalves(Lanes a, Lanes b)
-{
-    return {__builtin_shufflevector(a.v, b.v, 2, 3, 6, 7)};
-}
-
 // Lane l of each of the four, in the order of a quad, becomes register l.
 RVX_INLINE void transpose(Lanes &a, Lanes &b, Lanes &c, Lanes &d)
 {
-    const Lanes evenAC = evenLanes(a, c);
-    const Lanes oddAC = oddLanes(a, c);
-    const Lanes evenBD = evenLanes(b, d);
-    const Lanes oddBD = oddLanes(b, d);
-    a = lowHalves(evenAC, evenBD);
-    b = lowHalves(oddAC, oddBD);
-    c = highHalves(evenAC, evenBD);
-    d = highHalves(oddAC, oddBD);
+    transposeLanes(a, c, b, d);
+    std::swap(b, c);
 }
 
 RVX_INLINE void transpose(Quad &a, Quad &b, Quad &c, Quad &d)
 {
     transpose(a.re, b.re, c.re, d.re);
     transpose(a.im, b.im, c.im, d.im);
-}
-
-// Loads exactly once. From a plain load the compiler makes one per use, and the
-// passes have no load to spare.
-RVX_INLINE Lanes loadOnce(const double *p)
-{
-    return {*reinterpret_cast<const volatile RvxVectorMem *>(p)};
 }
 
 // Where elements stand. i is a multiple of 4.
@@ -123,7 +100,10 @@ struct Quads {
     double *re;
     double *im;
 
-    RVX_INLINE Quad load(int i) const { return {loadOnce(re + step * i), loadOnce(im + step * i)}; }
+    RVX_INLINE Quad load(int i) const
+    {
+        return {loadLanesOnce(re + step * i), loadLanesOnce(im + step * i)};
+    }
     RVX_INLINE void store(int i, Quad a) const
     {
         storeLanes(re + step * i, a.re);
@@ -147,8 +127,8 @@ struct Interleaved {
 
     RVX_INLINE Quad load(int i) const
     {
-        const Lanes low = loadOnce(p + 2 * i);
-        const Lanes high = loadOnce(p + 2 * i + 4);
+        const Lanes low = loadLanesOnce(p + 2 * i);
+        const Lanes high = loadLanesOnce(p + 2 * i + 4);
         const Quad a{evenLanes(low, high), oddLanes(low, high)};
         return inverse ? Quad{a.im, a.re} : a;
     }
@@ -174,7 +154,8 @@ struct Interleaved {
             Lanes pairs[2];
             for (int g = 0; g < 4; g += 2) {
                 const double *low = p + 2 * (start + g * groupLen + e);
-                pairs[g / 2] = outerHalves(loadOnce(low), loadOnce(low + 2 * groupLen - 2));
+                pairs[g / 2] =
+                    outerHalves(loadLanesOnce(low), loadLanesOnce(low + 2 * groupLen - 2));
             }
             const Quad a{evenLanes(pairs[0], pairs[1]), oddLanes(pairs[0], pairs[1])};
             x[place[e]] = inverse ? Quad{a.im, a.re} : a;
@@ -191,10 +172,10 @@ struct Interleaved {
             const Lanes second01 = evenLanes(second.re, second.im);
             const Lanes second23 = oddLanes(second.re, second.im);
             double *group = p + 2 * (start + e);
-            storeLanes(group, lowHalves(first01, second01));
-            storeLanes(group + 2 * groupLen, highHalves(first01, second01));
-            storeLanes(group + 4 * groupLen, lowHalves(first23, second23));
-            storeLanes(group + 6 * groupLen, highHalves(first23, second23));
+            storeLanes(group, firstHalves(first01, second01));
+            storeLanes(group + 2 * groupLen, lastHalves(first01, second01));
+            storeLanes(group + 4 * groupLen, firstHalves(first23, second23));
+            storeLanes(group + 6 * groupLen, lastHalves(first23, second23));
         }
     }
 };
@@ -206,14 +187,14 @@ struct Separate {
 
     RVX_INLINE Quad load(int i) const
     {
-        return {swapMiddle(loadOnce(re + i)), swapMiddle(loadOnce(im + i))};
+        return {swapMiddle(loadLanesOnce(re + i)), swapMiddle(loadLanesOnce(im + i))};
     }
     RVX_INLINE void store(int i, Quad a) const
     {
         storeLanes(re + i, swapMiddle(a.re));
         storeLanes(im + i, swapMiddle(a.im));
     }
-    RVX_INLINE Quad loadFree(int i) const { return {loadOnce(re + i), loadOnce(im + i)}; }
+    RVX_INLINE Quad loadFree(int i) const { return {loadLanesOnce(re + i), loadLanesOnce(im + i)}; }
     RVX_INLINE void storeFree(int i, Quad a) const
     {
         storeLanes(re + i, a.re);
