@@ -250,39 +250,39 @@ RVX_INLINE Quad loadSlots(const ZCplx *first)
 {
     const Lanes low = loadLanesOnce(first);
     const Lanes high = loadLanesOnce(first + 2);
-    return {evenLanes(low, high), oddLanes(low, high)};
+    return quadOf(low, high);
 }
 
 RVX_INLINE void storeSlots(ZCplx *first, Quad a)
 {
-    storeLanes(first, evenLanes(a.re, a.im));
-    storeLanes(first + 2, oddLanes(a.re, a.im));
+    storeLanes(first, firstTwo(a));
+    storeLanes(first + 2, lastTwo(a));
 }
 
 RVX_INLINE Quad loadMirror(const ZCplx *last)
 {
     const Lanes high = swapHalves(loadLanesOnce(last - 1));
     const Lanes low = swapHalves(loadLanesOnce(last - 3));
-    return {evenLanes(high, low), oddLanes(high, low)};
+    return quadOf(high, low);
 }
 
 RVX_INLINE void storeMirror(ZCplx *last, Quad a)
 {
-    storeLanes(last - 1, swapHalves(evenLanes(a.re, a.im)));
-    storeLanes(last - 3, swapHalves(oddLanes(a.re, a.im)));
+    storeLanes(last - 1, swapHalves(firstTwo(a)));
+    storeLanes(last - 3, swapHalves(lastTwo(a)));
 }
 
 RVX_INLINE Quad loadMirrorFront(const ZCplx *row)
 {
     const Lanes low = loadLanesOnce(row);
     const Lanes high = swapHalves(loadLanesOnce(row + 2));
-    return {evenLanes(low, high), oddLanes(low, high)};
+    return quadOf(low, high);
 }
 
 RVX_INLINE void storeMirrorFront(ZCplx *row, Quad a)
 {
-    storeLanes(row, evenLanes(a.re, a.im));
-    storeLanes(row + 2, swapHalves(oddLanes(a.re, a.im)));
+    storeLanes(row, firstTwo(a));
+    storeLanes(row + 2, swapHalves(lastTwo(a)));
 }
 
 RVX_INLINE Quad arranged(const ZCplx *p)

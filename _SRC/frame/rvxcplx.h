@@ -55,6 +55,23 @@ struct Quad {
     Lanes im;
 };
 
+// From two pairs and back. The lanes hold the elements in the order 0, 2, 1, 3, which
+// costs one shuffle less per part than their own.
+RVX_INLINE Quad quadOf(Lanes z01, Lanes z23)
+{
+    return {evenLanes(z01, z23), oddLanes(z01, z23)};
+}
+
+RVX_INLINE Lanes firstTwo(Quad a)
+{
+    return evenLanes(a.re, a.im);
+}
+
+RVX_INLINE Lanes lastTwo(Quad a)
+{
+    return oddLanes(a.re, a.im);
+}
+
 RVX_INLINE Quad operator+(Quad a, Quad b)
 {
     return {a.re + b.re, a.im + b.im};

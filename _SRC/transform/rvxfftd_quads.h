@@ -129,14 +129,14 @@ struct Interleaved {
     {
         const Lanes low = loadLanesOnce(p + 2 * i);
         const Lanes high = loadLanesOnce(p + 2 * i + 4);
-        const Quad a{evenLanes(low, high), oddLanes(low, high)};
+        const Quad a = quadOf(low, high);
         return inverse ? Quad{a.im, a.re} : a;
     }
     RVX_INLINE void store(int i, Quad a) const
     {
         const Quad b = inverse ? Quad{a.im, a.re} : a;
-        storeLanes(p + 2 * i, evenLanes(b.re, b.im));
-        storeLanes(p + 2 * i + 4, oddLanes(b.re, b.im));
+        storeLanes(p + 2 * i, firstTwo(b));
+        storeLanes(p + 2 * i + 4, lastTwo(b));
     }
     // Where what follows is a transposition, any order of lanes is as good: this
     // one is free.
@@ -157,7 +157,7 @@ struct Interleaved {
                 pairs[g / 2] =
                     outerHalves(loadLanesOnce(low), loadLanesOnce(low + 2 * groupLen - 2));
             }
-            const Quad a{evenLanes(pairs[0], pairs[1]), oddLanes(pairs[0], pairs[1])};
+            const Quad a = quadOf(pairs[0], pairs[1]);
             x[place[e]] = inverse ? Quad{a.im, a.re} : a;
         }
     }
@@ -167,10 +167,10 @@ struct Interleaved {
         for (int e = 0; e < 4; e += 2) {
             const Quad first = inverse ? Quad{x[e / 2].im, x[e / 2].re} : x[e / 2];
             const Quad second = inverse ? Quad{x[e / 2 + 2].im, x[e / 2 + 2].re} : x[e / 2 + 2];
-            const Lanes first01 = evenLanes(first.re, first.im);
-            const Lanes first23 = oddLanes(first.re, first.im);
-            const Lanes second01 = evenLanes(second.re, second.im);
-            const Lanes second23 = oddLanes(second.re, second.im);
+            const Lanes first01 = firstTwo(first);
+            const Lanes first23 = lastTwo(first);
+            const Lanes second01 = firstTwo(second);
+            const Lanes second23 = lastTwo(second);
             double *group = p + 2 * (start + e);
             storeLanes(group, firstHalves(first01, second01));
             storeLanes(group + 2 * groupLen, lastHalves(first01, second01));
