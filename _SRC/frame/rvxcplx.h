@@ -72,6 +72,15 @@ RVX_INLINE Lanes lastTwo(Quad a)
     return oddLanes(a.re, a.im);
 }
 
+// Four in their own order: from every second one, so that parts that belong together
+// meet without a step across the halves.
+RVX_INLINE Quad loadInOrder(const ZCplx *p)
+{
+    const Lanes even = pairLoads(p, p + 2);
+    const Lanes odd = pairLoads(p + 1, p + 3);
+    return quadOf(even, odd);
+}
+
 RVX_INLINE Quad operator+(Quad a, Quad b)
 {
     return {a.re + b.re, a.im + b.im};

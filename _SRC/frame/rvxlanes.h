@@ -28,12 +28,6 @@ struct Lanes {
     RvxVector v;
 };
 
-// How many elements p stands behind a multiple of 32 bytes.
-RVX_INLINE int elementsBehindAlignment(const double *p)
-{
-    return static_cast<int>(reinterpret_cast<std::uintptr_t>(p) / sizeof(double) % 4);
-}
-
 // How many doubles p stands behind a multiple of 32 bytes. A store of four lanes
 // there crosses no cache line, which is worth up to twice the speed.
 RVX_INLINE int doublesBehindLanes(const void *p)

@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "frame/rvxcplx.h"
 #include "frame/rvxfloatmode.h"
 #include "frame/rvxkernel.h"
 #include "frame/rvxlanes.h"
@@ -254,17 +255,6 @@ RVX_INLINE Lanes magnitudesOfAny(Lanes re, Lanes im)
     return choose(isOffAxis(im), magnitudesOf(re, im), onAxis);
 }
 
-struct Points {
-    Lanes re, im;
-};
-
-RVX_INLINE Points loadPoints(const ZCplx *src)
-{
-    const Lanes even = pairLoads(src, src + 2);
-    const Lanes odd = pairLoads(src + 1, src + 3);
-    return {evenLanes(even, odd), oddLanes(even, odd)};
-}
-
 // True where both parts of all of sixteen points are in range, by their high words: so
 // many at once that the answer costs little on its way out of the lanes.
 RVX_INLINE bool areOrdinary(const ZCplx *src)
@@ -281,26 +271,26 @@ RVX_INLINE bool areOrdinary(const ZCplx *src)
 
 RVX_INLINE void findFour(const ZCplx *src, double *phase)
 {
-    const Points z = loadPoints(src);
+    const Quad z = loadInOrder(src);
     storeLanes(phase, angleOf(fractionOf(z.re, z.im), z.im));
 }
 
 RVX_INLINE void findAnyFour(const ZCplx *src, double *phase)
 {
-    const Points z = loadPoints(src);
+    const Quad z = loadInOrder(src);
     storeLanes(phase, anglesOfAny(z.re, z.im, OnAxis::nanIsNegative));
 }
 
 RVX_INLINE void splitFour(const ZCplx *src, double *mag, double *phase)
 {
-    const Points z = loadPoints(src);
+    const Quad z = loadInOrder(src);
     storeLanes(mag, magnitudesOf(z.re, z.im));
     storeLanes(phase, angleOf(fractionOf(z.re, z.im), z.im));
 }
 
 RVX_INLINE void splitAnyFour(const ZCplx *src, double *mag, double *phase)
 {
-    const Points z = loadPoints(src);
+    const Quad z = loadInOrder(src);
     storeLanes(mag, magnitudesOfAny(z.re, z.im));
     storeLanes(phase, anglesOfAny(z.re, z.im, OnAxis::nanIsPositive));
 }

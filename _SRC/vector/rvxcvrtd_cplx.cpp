@@ -8,6 +8,7 @@
 #include <cstddef>
 
 #include "frame/rvxcheck.h"
+#include "frame/rvxcplx.h"
 #include "frame/rvxkernel.h"
 #include "frame/rvxlanes.h"
 #include "rvx.h"
@@ -48,20 +49,6 @@ RVX_INLINE std::ptrdiff_t untilAligned(const double *dst, std::ptrdiff_t n)
     return n >= RVX_WORTH_ALIGNING ? (4 - doublesBehindLanes(dst)) % 4 : 0;
 }
 
-// Real and imaginary parts of four elements. From every second one: then parts that
-// belong together meet without a step across the halves.
-struct Parts {
-    Lanes re;
-    Lanes im;
-};
-
-RVX_INLINE Parts partsOf(const ZCplx *src)
-{
-    const Lanes even = pairLoads(src, src + 2);
-    const Lanes odd = pairLoads(src + 1, src + 3);
-    return {evenLanes(even, odd), oddLanes(even, odd)};
-}
-
 // dst[i] = op(src[i].re, src[i].im) from the first element up, each group read before
 // it is written: dst may begin where src does.
 template <typename Op>
@@ -71,8 +58,8 @@ RVX_INLINE void combineParts(const ZCplx *src, double *dst, std::ptrdiff_t n, Op
     for (const std::ptrdiff_t past = untilAligned(dst, n); i < past; ++i)
         dst[i] = op(src[i].re, src[i].im);
     for (; n - i >= 8; i += 8) {
-        const Parts low = partsOf(src + i);
-        const Parts high = partsOf(src + i + 4);
+        const Quad low = loadInOrder(src + i);
+        const Quad high = loadInOrder(src + i + 4);
         storeLanes(dst + i, op(low.re, low.im));
         storeLanes(dst + i + 4, op(high.re, high.im));
     }
@@ -99,7 +86,7 @@ RVX_KERNEL void takeParts(const ZCplx *src, double *re, double *im, std::ptrdiff
 {
     std::ptrdiff_t i = 0;
     for (; n - i >= 4; i += 4) {
-        const Parts parts = partsOf(src + i);
+        const Quad parts = loadInOrder(src + i);
         storeLanes(re + i, parts.re);
         storeLanes(im + i, parts.im);
     }
@@ -177,7 +164,7 @@ RVX_KERNEL bool formRun(const ZCplx *src, double *power, double *mag)
 {
     LaneMask ordinary = isEqual(allLanes(0.0), allLanes(0.0));
     for (int i = 0; i < RVX_MAGNITUDE_RUN; i += 4) {
-        const Parts parts = partsOf(src + i);
+        const Quad parts = loadInOrder(src + i);
         const Lanes square = parts.im * parts.im;
         const Lanes p = choose(isEqual(parts.im, parts.im), square + parts.re * parts.re, square);
         const Lanes smallest = choose(isEqual(p, allLanes(0.0)), p, allLanes(0x1p-1022));

@@ -15,7 +15,7 @@ namespace {
 // Stores are the limit, and those that cross a cache line count twice.
 RVX_INLINE int stepsToAlignment(const double *dst, int n)
 {
-    return n < 64 ? 0 : (4 - elementsBehindAlignment(dst)) % 4;
+    return n < 64 ? 0 : (4 - doublesBehindLanes(dst)) % 4;
 }
 
 template <typename Int>

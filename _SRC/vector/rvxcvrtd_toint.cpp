@@ -166,7 +166,7 @@ RVX_INLINE bool convertBlock(const double *src, Int *dst, int n, const Constants
         // second time, behind the first group and in the last.
         convertGroup<trunc, clip, report>(src, dst, to, misfits);
         const int last = n - groupLen;
-        for (int i = groupLen - elementsBehindAlignment(src); i < last; i += groupLen)
+        for (int i = groupLen - doublesBehindLanes(src); i < last; i += groupLen)
             convertGroup<trunc, clip, report>(src + i, dst + i, to, misfits);
         if (last > 0)
             convertGroup<trunc, clip, report>(src + last, dst + last, to, misfits);

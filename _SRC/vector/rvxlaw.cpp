@@ -127,7 +127,7 @@ RVX_INLINE void encodeBlock(const double *src, unsigned char *dst, int n)
     // time, behind the first group and in the last.
     encode(src, dst);
     const int last = n - groupLen;
-    for (int i = groupLen - elementsBehindAlignment(src); i < last; i += groupLen)
+    for (int i = groupLen - doublesBehindLanes(src); i < last; i += groupLen)
         encode(src + i, dst + i);
     if (last > 0)
         encode(src + last, dst + last);

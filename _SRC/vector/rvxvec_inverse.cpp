@@ -73,7 +73,7 @@ struct CplxReciprocal {
     // grouped: of four elements that no zero is among, one that is NaN, or 0 with a
     // sign, makes all of them NaN: the product of their squared magnitudes, which
     // they share, has no reciprocal to be divided up.
-    RVX_INLINE CplxLanes invert(CplxLanes z, bool grouped)
+    RVX_INLINE Quad invert(Quad z, bool grouped)
     {
         const Lanes q = z.im * z.im + z.re * z.re;
         Lanes d = allLanes(1.0) / q;
@@ -82,7 +82,7 @@ struct CplxReciprocal {
             if (anyLane(lifted))
                 d = choose(lifted, sqrtLanes(d * greatest), d);
         }
-        const CplxLanes inverse = {z.re * d, -d * z.im};
+        const Quad inverse = {z.re * d, -d * z.im};
         const Lanes zero = allLanes(0.0);
         if (everyLane(isBelow(zero, q)))
             return inverse;

@@ -58,7 +58,7 @@ RVX_KERNEL bool rootTriples(const double *src, double *dst, std::ptrdiff_t n)
 // With normal squares all that follows is normal but for the smaller part. Step by step
 // for all the elements at hand: a root and a division wait for the root before.
 template <bool normal, int count>
-RVX_INLINE void cplxRoots(const Lanes (&squares)[count], CplxLanes (&z)[count])
+RVX_INLINE void cplxRoots(const Lanes (&squares)[count], Quad (&z)[count])
 {
     const Lanes half = allLanes(0.5);
     Lanes t[count];
@@ -83,14 +83,14 @@ RVX_INLINE void cplxRoots(const Lanes (&squares)[count], CplxLanes (&z)[count])
 }
 
 struct CplxRoot {
-    RVX_INLINE CplxLanes operator()(CplxLanes z) const
+    RVX_INLINE Quad operator()(Quad z) const
     {
-        CplxLanes all[1] = {z};
+        Quad all[1] = {z};
         applyTo(all);
         return all[0];
     }
     template <int count>
-    RVX_INLINE void applyTo(CplxLanes (&z)[count]) const
+    RVX_INLINE void applyTo(Quad (&z)[count]) const
     {
         Lanes squares[count];
         LaneMask normal = {RvxBits{-1, -1, -1, -1}};
@@ -105,7 +105,7 @@ struct CplxRoot {
     }
 };
 
-RVX_INLINE void applyToFour(CplxRoot &root, CplxLanes (&z)[4])
+RVX_INLINE void applyToFour(CplxRoot &root, Quad (&z)[4])
 {
     root.applyTo(z);
 }

@@ -14,7 +14,7 @@ namespace {
 struct Square {
     RVX_INLINE Lanes operator()(Lanes x) const { return x * x; }
     // Deliberate: sum times difference, and a sum of equal products.
-    RVX_INLINE CplxLanes operator()(CplxLanes z) const
+    RVX_INLINE Quad operator()(Quad z) const
     {
         const Lanes product = z.re * z.im;
         return {(z.re + z.im) * (z.re - z.im), product + product};

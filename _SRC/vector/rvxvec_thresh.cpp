@@ -86,7 +86,7 @@ RVX_INLINE Lanes scaleWhere(LaneMask moved, Lanes z, Lanes s)
 // threshold. A NaN may move as well: p then has the sign bit of a part that is one.
 struct CplxRaise {
     Lanes thresh, squared;
-    RVX_INLINE CplxLanes operator()(CplxLanes z) const
+    RVX_INLINE Quad operator()(Quad z) const
     {
         const Lanes p = z.re * z.re + z.im * z.im;
         const LaneMask moved = isBelowInBits(p, squared);
@@ -102,7 +102,7 @@ struct CplxRaise {
 
 struct CplxLower {
     Lanes squared;
-    RVX_INLINE CplxLanes operator()(CplxLanes z) const
+    RVX_INLINE Quad operator()(Quad z) const
     {
         const Lanes p = z.re * z.re + z.im * z.im;
         const LaneMask moved = isBelowInBits(squared, p);
