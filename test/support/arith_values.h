@@ -4,8 +4,6 @@
 #define RVX_TEST_ARITH_VALUES_H
 
 #include <cmath>
-#include <cstdint>
-#include <cstring>
 #include <functional>
 #include <limits>
 #include <vector>
@@ -13,22 +11,14 @@
 #include <gtest/gtest.h>
 
 #include "rvx.h"
+#include "support/bits.h"
 #include "support/guarded.h"
 
-constexpr double INF = std::numeric_limits<double>::infinity();
-constexpr double QUIET = std::numeric_limits<double>::quiet_NaN();
 constexpr double TINY = std::numeric_limits<double>::denorm_min();
 constexpr double HUGE_VALUE = std::numeric_limits<double>::max();
 
 constexpr double specials[] = {0.0,   -0.0, 1.0,   -1.5,       INF,   -INF,
                                QUIET, TINY, -TINY, HUGE_VALUE, 1e-300};
-
-inline double fromBits(std::uint64_t bits)
-{
-    double x;
-    std::memcpy(&x, &bits, sizeof x);
-    return x;
-}
 
 // A NaN with a payload, signalling: any arithmetic on it would show.
 const double marked = fromBits(0x7ff4000000abcdefULL);
@@ -53,27 +43,6 @@ inline std::vector<ZCplx> cplxNumbers(int n, int seed)
     for (int i = 0; i < n; ++i)
         block.push_back({number(1000 * seed + 2 * i), number(1000 * seed + 2 * i + 1)});
     return block;
-}
-
-// The same bits, or two NaNs: whose payload a NaN result carries is not fixed.
-inline bool same(double a, double b)
-{
-    return bitsOf(a) == bitsOf(b) || (std::isnan(a) && std::isnan(b));
-}
-
-inline bool same(ZCplx a, ZCplx b)
-{
-    return same(a.re, b.re) && same(a.im, b.im);
-}
-
-inline bool sameBits(double a, double b)
-{
-    return bitsOf(a) == bitsOf(b);
-}
-
-inline bool sameBits(ZCplx a, ZCplx b)
-{
-    return sameBits(a.re, b.re) && sameBits(a.im, b.im);
 }
 
 constexpr int longest = 70;

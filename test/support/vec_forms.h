@@ -15,11 +15,9 @@
 #include <gtest/gtest.h>
 
 #include "rvx.h"
+#include "support/bits.h"
 #include "support/guarded.h"
 #include "support/reports.h"
-
-constexpr double INF = std::numeric_limits<double>::infinity();
-constexpr double QUIET = std::numeric_limits<double>::quiet_NaN();
 
 // How many random blocks, and the lengths of blocks that have one special element at
 // each position in turn.
@@ -30,13 +28,6 @@ constexpr int longestBlock = 13;
 constexpr int patternBlocks = 25000;
 constexpr int longestBlock = 40;
 #endif
-
-inline double fromBits(std::uint64_t bits)
-{
-    double x;
-    std::memcpy(&x, &bits, sizeof x);
-    return x;
-}
 
 // Zeros, numbers whose high words are all zero, other subnormals, edges of the
 // normal range, infinities and NaNs with payloads, of either sign.
@@ -97,22 +88,6 @@ public:
 private:
     std::mt19937_64 random;
 };
-
-// The same bits, or two NaNs: whose payload an arithmetic result carries is not fixed.
-inline bool same(double a, double b)
-{
-    return bitsOf(a) == bitsOf(b) || (a != a && b != b);
-}
-
-inline bool same(ZCplx a, ZCplx b)
-{
-    return same(a.re, b.re) && same(a.im, b.im);
-}
-
-inline bool sameBits(double a, double b)
-{
-    return bitsOf(a) == bitsOf(b);
-}
 
 inline std::ostream &operator<<(std::ostream &out, ZCplx z)
 {
