@@ -111,10 +111,7 @@ bool specialExp(double x, double &result)
 // negative does, on purpose.
 double lonelyExp(double x)
 {
-    const std::uint32_t top = topOf(x), size = top & 0x7fffffff;
-    if (top == size && size >= highTop)
-        return infinity;
-    if (size >= lowTop)
+    if ((topOf(x) & 0x7fffffff) >= lowTop)
         return 0.0;
     return inPlainMode([](Extended wide) { return std::exp(wide); }, x);
 }
