@@ -31,7 +31,7 @@ constexpr double HALF_PI = reference::HALF_PI;
 #ifdef RVX_TEST_SANITIZED
 constexpr int PATTERNS = 40000;
 #else
-constexpr int PATTERNS = 1000000;
+constexpr int PATTERNS = 2000000;
 #endif
 
 struct Family {
@@ -41,17 +41,20 @@ struct Family {
     void (*apart)(const double *, double *, int);
     Results (*stated)(const Block &);
     reference::OfOne exact;
+    Extended (*wide)(Extended);
     double bound;           // units in the last place, for elements of groups
     double exactBound;      // for the others
     double least, greatest; // ordinary arguments
 };
 
 const Family families[] = {
-    {"Arctan", "rvxatan", rvxdbArctan1, rvxdbArctan2, reference::arctan, mpfr_atan, 2.6, 0.501,
-     -4.0, 4.0},
-    {"Ln", "rvxlnexp", rvxdbLn1, rvxdbLn2, reference::ln, mpfr_log, 0.9, 0.501, 1e-3, 1e3},
-    {"Exp", "rvxlnexp", rvxdbExp1, rvxdbExp2, reference::exp, mpfr_exp, 2.1, 0.501, -30.0, 30.0},
-    {"Lg", "rvxlg", rvxdbLg1, rvxdbLg2, reference::lg, mpfr_log10, 1.9, 1.7, 1e-3, 1e3},
+    {"Arctan", "rvxatan", rvxdbArctan1, rvxdbArctan2, reference::arctan, mpfr_atan, std::atan, 2.6,
+     0.501, -4.0, 4.0},
+    {"Ln", "rvxlnexp", rvxdbLn1, rvxdbLn2, reference::ln, mpfr_log, std::log, 0.9, 0.501, 1e-3,
+     1e3},
+    {"Exp", "rvxlnexp", rvxdbExp1, rvxdbExp2, reference::exp, mpfr_exp, std::exp, 2.1, 0.501, -30.0,
+     30.0},
+    {"Lg", "rvxlg", rvxdbLg1, rvxdbLg2, reference::lg, mpfr_log10, std::log10, 1.9, 1.7, 1e-3, 1e3},
 };
 
 std::ostream &operator<<(std::ostream &out, const Family &family)
@@ -275,22 +278,38 @@ TEST_P(Elementary, AnyBitPattern)
     }
 }
 
+// |result - exact| in units in the last place, for results that are normal numbers; the
+// exact value in extended precision, which adds less than a thousandth of a unit.
+double ulpsByExtended(double result, Extended exact)
+{
+    int exponent = 0;
+    std::frexp(exact, &exponent);
+    return static_cast<double>(std::fabs(std::ldexp(result - exact, 53 - exponent)));
+}
+
 TEST_P(Elementary, WithinTheStatedBound)
 {
     const Family family = GetParam();
     Source random(7);
     double worst = 0.0, worstExact = 0.0;
+    // MPFR takes most of the time: it measures the elements that were themselves made
+    // in extended precision, and a share of the others.
+    constexpr int share = 16;
+    int count = 0;
     const auto measure = [&](const Block &source) {
         const Block result = computed(family, source);
         const Results expected = family.stated(source);
         for (std::size_t i = 0; i < source.size(); ++i) {
-            const double error = reference::ulps(result[i], family.exact, source[i]);
+            const bool isWideEnough =
+                !expected.isExact[i] && ++count % share != 0 && std::fabs(result[i]) >= 0x1p-1000;
+            const double error = isWideEnough ? ulpsByExtended(result[i], family.wide(source[i]))
+                                              : reference::ulps(result[i], family.exact, source[i]);
             double &most = expected.isExact[i] ? worstExact : worst;
             most = std::max(most, error);
         }
     };
     const bool isLog = family.least > 0.0;
-    for (int done = 0; done < PATTERNS / 4; done += 31) {
+    for (int done = 0; done < PATTERNS; done += 31) {
         Block source;
         while (source.size() < 31) {
             double x = 0.0;

@@ -25,7 +25,7 @@
 constexpr int patternBlocks = 2000;
 constexpr int longestBlock = 13;
 #else
-constexpr int patternBlocks = 25000;
+constexpr int patternBlocks = 50000;
 constexpr int longestBlock = 40;
 #endif
 
