@@ -41,7 +41,7 @@ struct Family {
     void (*apart)(const double *, double *, int);
     Results (*stated)(const Block &);
     reference::OfOne exact;
-    Extended (*wide)(Extended);
+    long double (*wide)(long double);
     double bound;           // units in the last place, for elements of groups
     double exactBound;      // for the others
     double least, greatest; // ordinary arguments
@@ -280,7 +280,7 @@ TEST_P(Elementary, AnyBitPattern)
 
 // |result - exact| in units in the last place, for results that are normal numbers; the
 // exact value in extended precision, which adds less than a thousandth of a unit.
-double ulpsByExtended(double result, Extended exact)
+double ulpsByExtended(double result, long double exact)
 {
     int exponent = 0;
     std::frexp(exact, &exponent);
