@@ -43,3 +43,13 @@ std::vector<Report> Reports::take()
     taken.swap(recorded);
     return taken;
 }
+
+void expectRefused(const std::vector<BadCall> &calls, const char *file, Reports &reports)
+{
+    for (const BadCall &bad : calls) {
+        rvxSetErrStatus(RVX_STATUS_OK);
+        bad.call();
+        EXPECT_EQ(reports.take(), badArgument(bad.func, bad.context, file));
+        EXPECT_EQ(rvxGetErrStatus(), RVX_STATUS_BAD_ARGUMENT);
+    }
+}

@@ -4,6 +4,7 @@
 #ifndef RVX_TEST_REPORTS_H
 #define RVX_TEST_REPORTS_H
 
+#include <functional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -47,5 +48,15 @@ inline std::vector<Report> badArgument(const char *func, const char *context, co
 {
     return {{RVX_STATUS_BAD_ARGUMENT, func, context, file}};
 }
+
+// A call that an argument check refuses, and what the check says.
+struct BadCall {
+    const char *func;
+    const char *context;
+    std::function<void()> call;
+};
+
+// Each call makes its one report, in the name of the module `file`, and leaves its status.
+void expectRefused(const std::vector<BadCall> &calls, const char *file, Reports &reports);
 
 #endif
