@@ -8,9 +8,9 @@ execute_process(COMMAND ${NM} -D --defined-only ${LIBRARY}
 string(REGEX MATCHALL " [A-Za-z] [^\n]+" exported "${symbols}")
 list(TRANSFORM exported REPLACE "^ [A-Za-z] " "")
 
-file(STRINGS ${MAP} listed REGEX "^ +[A-Za-z0-9_]+;$")
+file(READ ${MAP} map)
+string(REGEX MATCHALL " rvx[A-Za-z0-9_]+" listed "${map}")
 list(TRANSFORM listed STRIP)
-list(TRANSFORM listed REPLACE ";" "")
 
 file(READ ${HEADER} header)
 string(REGEX MATCHALL "RVX_API [A-Za-z][^(;]*\\(" declared "${header}")
