@@ -1314,6 +1314,97 @@ RVX_API void rvxdFilter2D(const double *x, int xCols, int xRows, const double *h
                           int hRows, double *y);
 
 /* ---------------------------------------------------------------------------
+ * Noise
+ *
+ * Uniform and Gaussian noise from a record that the caller owns. An initialiser
+ * fills the record from a seed; each call goes on where the last one ended. A seed
+ * gives the same sequence, bit for bit, on every machine and in whatever blocks it is
+ * taken: a block of n is n blocks of one, and a complex block of n, real part first, is
+ * a real block of 2 n. The initialisers and blocks of a kind share the record, so real
+ * and complex blocks may take turns. Records need no release and may be copied: a copy
+ * repeats what follows.
+ *
+ * Under both lies one generator of words of 32 bits, modulo 2^32 and read with a sign:
+ *   t = x2 - x3 - carry; carry = 1 and t -= 18 if t <= 0, carry = 0 if not
+ *   x3 = x2, x2 = x1, x1 = t; seedCong = 69069 seedCong + 1013904243
+ * and the word is t + seedCong. It is quick and well spread, and no secret: do not use
+ * it where somebody gains by a guess.
+ *
+ * A seed is a number whose fraction is dropped and which counts modulo 2^32: magnitudes
+ * below 1 are seed 0, and -1.5 is 2^32 - 1. From magnitudes of 2^32 on leading bits of
+ * the significand are taken; infinities and NaNs give seeds too.
+ *
+ * sampsLen is unsigned: a negative length asks for some billions of samples.
+ *
+ * G. Marsaglia and A. Zaman, A new class of random number generators, 1991;
+ * G. Marsaglia and T. A. Bray, A convenient method for generating normal variables,
+ * 1964.
+ * ------------------------------------------------------------------------- */
+
+/* Fields are for reading, and for storing where a sequence stands. */
+typedef struct rvxRandUniState {
+    double mean;       /* low + 0.5 (high - low) */
+    double scale;      /* (high - low) 2.328306436539e-10, near 2^-32 */
+    unsigned seedCong; /* the congruential generator */
+    unsigned carry;    /* 0 or 1 */
+    unsigned x1;       /* the last value of the generator with the carry */
+    unsigned x2;       /* the one before */
+    unsigned x3;       /* the oldest */
+    unsigned seedInit; /* where the seed's own generator stopped */
+} rvxRandUniState;
+
+typedef struct rvxRandGausState {
+    double mean;
+    double stDev;
+    double spare;       /* the second value of the last pair */
+    unsigned haveSpare; /* not 0 while spare is still to come */
+    unsigned seedCong;  /* these as above */
+    unsigned carry;
+    unsigned x1;
+    unsigned x2;
+    unsigned x3;
+    unsigned seedInit;
+} rvxRandGausState;
+
+/* Begin the uniform noise of a seed, from low to high.
+ *   seed       any double
+ *   low, high  not checked: with high below low the range is the same; equal, they
+ *              give that value alone
+ *   state      written
+ * Checks: state null. */
+RVX_API void rvxdRandUniInit(double seed, double low, double high, rvxRandUniState *state);
+RVX_API void rvxzRandUniInit(double seed, double low, double high, rvxRandUniState *state);
+
+/* samps[i] = word scale + mean for 0 <= i < sampsLen: one word a sample, rounded after
+ * the product and after the sum; a complex sample takes two.
+ *   sampsLen  at least 1
+ * Values are multiples of about 2^-32 of the range. low is reached only up to rounding,
+ * and high less that step is the most.
+ * Checks: state null; samps null; sampsLen 0. */
+RVX_API void rvxdbRandUni(rvxRandUniState *state, double *samps, unsigned sampsLen);
+RVX_API void rvxzbRandUni(rvxRandUniState *state, ZCplx *samps, unsigned sampsLen);
+
+/* Begin the Gaussian noise of a seed.
+ *   seed   any double; the sequence is not that of uniform noise with the same seed
+ *   mean   any
+ *   stDev  standard deviation, not checked: with 0 all samples are mean
+ *   state  written, but for spare
+ * Checks: state null. */
+RVX_API void rvxdRandGausInit(double seed, double mean, double stDev, rvxRandGausState *state);
+RVX_API void rvxzRandGausInit(double seed, double mean, double stDev, rvxRandGausState *state);
+
+/* samps[i] = normally distributed, by the polar method. Two words are u and v, each times
+ * 4.656612873077e-10; pairs are dropped until w = u u + v v is below 1 and not 0. With
+ * f = sqrt(-(2 ln w) / w), the first sample is stDev f v + mean and the second, which
+ * waits in the record if nobody has asked for it yet, stDev f u + mean. Every operation
+ * is rounded once but the logarithm, which is within 0.51 units in the last place.
+ *   sampsLen  at least 1
+ * No sample is further from mean than 9.3 stDev.
+ * Checks: state null; samps null; sampsLen 0. */
+RVX_API void rvxdbRandGaus(rvxRandGausState *state, double *samps, unsigned sampsLen);
+RVX_API void rvxzbRandGaus(rvxRandGausState *state, ZCplx *samps, unsigned sampsLen);
+
+/* ---------------------------------------------------------------------------
  * Windows
  *
  * vec[k] = vec[k] * w(k) for 0 <= k < n, in place, with symmetric weights

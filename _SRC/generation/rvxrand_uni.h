@@ -1,0 +1,13 @@
+// Uniform noise as a sequence of doubles.
+
+#ifndef RVXRAND_UNI_H
+#define RVXRAND_UNI_H
+
+#include <cstdint>
+
+#include "rvx.h"
+
+// The next n samples.
+void fillUniform(rvxRandUniState *state, double *samps, std::uint64_t n);
+
+#endif
