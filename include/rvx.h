@@ -733,6 +733,61 @@ RVX_API void rvxdCcsFft(double *samps, int order, int flags);
 RVX_API void rvxdCcsFftNip(const double *inSamps, double *outSamps, int order, int flags);
 
 /* ---------------------------------------------------------------------------
+ * Goertzel
+ *
+ * One bin of the discrete Fourier transform, of a signal that comes in blocks of any
+ * lengths. A state is a record of the caller's, for one signal; it holds no memory. It
+ * is used with the functions of the type that it was initialised for and not before,
+ * which the checks do not notice. Fields are for reading.
+ *
+ * G. Goertzel, An algorithm for the evaluation of finite trigonometric series, 1958.
+ * ------------------------------------------------------------------------- */
+
+typedef struct rvxdGoertzState {
+    double rFreq;  /* relative frequency: cycles per sample */
+    double cosV;   /* cos(omega), omega = 2 pi rFreq */
+    double sinV;   /* sin(omega) */
+    double twoCos; /* 2 cos(omega) */
+    double prev2;  /* s[n-2] */
+    double prev1;  /* s[n-1] */
+} rvxdGoertzState;
+
+typedef struct rvxzGoertzState {
+    double rFreq;
+    double cosV;
+    double sinV;
+    double twoCos;
+    ZCplx prev2;
+    ZCplx prev1;
+} rvxzGoertzState;
+
+/* Fill a record, for real or for complex samples, with the delay values zero.
+ *   rFreq  0 <= rFreq < 1; k / M is bin k of M points, 1 - f the frequency -f
+ * omega = rFreq * 2 pi is rounded to double, its cosine and its sine once each.
+ * Checks: state null; rFreq out of range or NaN. The record stays as it was then. */
+RVX_API void rvxdGoertzInit(double rFreq, rvxdGoertzState *state);
+RVX_API void rvxzGoertzInit(double rFreq, rvxzGoertzState *state);
+
+/* The delay values zero, for a new signal at the same frequency.
+ * Check: state null. */
+RVX_API void rvxdGoertzReset(rvxdGoertzState *state);
+RVX_API void rvxzGoertzReset(rvxzGoertzState *state);
+
+/* Take len samples in and give the bin of all samples since the initialisation or the
+ * reset, x[0] to x[M-1]:
+ *   e^(j omega M) * (sum over m of x[m] e^(-j omega m)),
+ * which is X[k] where rFreq = k / M. The result is read off the state and does not
+ * change it: blocks may be cut anywhere, to the bit.
+ *   len  at least 1
+ * Each sample, and of a complex one each part, makes s[n] = (x[n] - s[n-2]) + twoCos *
+ * s[n-1], rounded after each operation. The error, measured on noise, is up to 3.6e-16
+ * M min(M, 1 / |sin omega|) times the root of the sum of squares of the samples.
+ * Checks: state null; src null; len below 1. The result is then zero and the state as
+ * it was. */
+RVX_API ZCplx rvxdbGoertz(rvxdGoertzState *state, const double *src, int len);
+RVX_API ZCplx rvxzbGoertz(rvxzGoertzState *state, const ZCplx *src, int len);
+
+/* ---------------------------------------------------------------------------
  * FIR filters
  *
  * Four families: d real taps and samples, z complex taps and samples, dz complex
@@ -1312,6 +1367,59 @@ RVX_API void rvxdConv2D(const double *x, int xCols, int xRows, const double *h, 
  * blocks). */
 RVX_API void rvxdFilter2D(const double *x, int xCols, int xRows, const double *h, int hCols,
                           int hRows, double *y);
+
+/* ---------------------------------------------------------------------------
+ * Tone
+ *
+ * x[n] = mag * cos(2 pi freq n + phase) from n = 0 on, in the complex form with
+ * mag * sin(2 pi freq n + phase) as the imaginary part: one at a time or in blocks,
+ * which may be mixed and cut anywhere, to the bit. A state is a record of the caller's
+ * and holds no memory.
+ * ------------------------------------------------------------------------- */
+
+typedef struct rvxdToneState {
+    double twoCos; /* 2 cos(w), w = 2 pi freq */
+    double y1;     /* the sample before the next one */
+    double y2;     /* the sample before that */
+    double mag;    /* as given to the initialiser, and not read again: */
+    double freq;   /* writing them has no effect */
+    double phase;
+    char marker[4]; /* "RVT" once initialised */
+} rvxdToneState;
+
+typedef struct rvxzToneState {
+    double twoCos;
+    ZCplx y1;
+    ZCplx y2;
+    double mag;
+    double freq;
+    double phase;
+    char marker[4];
+} rvxzToneState;
+
+/* Fill a record.
+ *   freq   cycles per sample, 0 <= freq < 0.5
+ *   phase  in radians, 0 <= phase < 2 pi
+ *   mag    0 or more, or NaN
+ * y1 and y2 are mag times the cosine (and sine) of phase - w and (phase - w) - w, angles
+ * in double, cosines and sines rounded once.
+ * Checks: mag negative; freq, then phase, out of range or NaN; state null. The record
+ * stays as it was then. */
+RVX_API void rvxdToneInit(double freq, double phase, double mag, rvxdToneState *state);
+RVX_API void rvxzToneInit(double freq, double phase, double mag, rvxzToneState *state);
+
+/* The next sample, x[n] = twoCos * x[n-1] - x[n-2], rounded twice, each part by itself.
+ * Roundings add up and are never mended: the error of x[n] is, as measured over ten
+ * million samples, below 2.3e-16 mag (n + 2) min(n + 2, 1 / sin w).
+ * Checks: state null; no "RVT" in the record. The result is then zero. */
+RVX_API double rvxdTone(rvxdToneState *state);
+RVX_API ZCplx rvxzTone(rvxzToneState *state);
+
+/* The next sampsLen samples, at least one.
+ * Checks: state null; samps null; sampsLen below 1; no "RVT" in the record. Record and
+ * samps stay as they were then. */
+RVX_API void rvxdbTone(rvxdToneState *state, double *samps, int sampsLen);
+RVX_API void rvxzbTone(rvxzToneState *state, ZCplx *samps, int sampsLen);
 
 /* ---------------------------------------------------------------------------
  * Noise

@@ -6,11 +6,10 @@
 // what the time goes into: four weights are gathered in lanes and applied at both
 // ends while the next four come.
 
-#include <cmath>
-
 #include "frame/rvxcheck.h"
 #include "frame/rvxkernel.h"
 #include "frame/rvxlanes.h"
+#include "frame/rvxsine.h"
 #include "rvx.h"
 
 RVX_MODULE("rvxwin")
@@ -167,12 +166,6 @@ void weighByCosine(double first, const CosineSum &weights, double *vec, int n)
 void weighByCosine(double first, const CosineSum &weights, ZCplx *vec, int n)
 {
     weighByCosineCplx(first, weights, vec, n);
-}
-
-// The C library's double cosine has different last bits on different machines.
-double cosine(double x)
-{
-    return static_cast<double>(std::cos(static_cast<Extended>(x)));
 }
 
 CosineSum cosineSum(double amp, double base, double curve, int n)
