@@ -733,6 +733,42 @@ RVX_API void rvxdCcsFft(double *samps, int order, int flags);
 RVX_API void rvxdCcsFftNip(const double *inSamps, double *outSamps, int order, int flags);
 
 /* ---------------------------------------------------------------------------
+ * Cosine transform
+ *
+ * Orthonormal, of any length L: type II forward, type III inverse.
+ *
+ * forward: y[0] = 1/sqrt(L) sum over n of x[n],
+ *          y[k] = sqrt(2/L) sum over n of x[n] cos((2n+1) k pi / (2L));
+ * inverse: x[n] = 1/sqrt(L) y[0]
+ *                 + sqrt(2/L) sum over k from 1 of y[k] cos((2n+1) k pi / (2L)).
+ *
+ * Powers of two take a number of operations in proportion to L log L, every other
+ * length L^2 / 2 products.
+ *
+ *   src    L samples or coefficients, left unchanged unless it is dst
+ *   dst    L coefficients or samples; may be src or overlap it in any way
+ *   len    L, from 1 on
+ *   flags  RVX_FFT_FORWARD or RVX_FFT_INVERSE. The one value RVX_FFT_FREE_TABLES,
+ *          with no other flag, releases the calling thread's tables of all cosine
+ *          transforms instead; the other arguments are not looked at then. Other
+ *          bits are ignored.
+ *
+ * A thread keeps two sets of tables, one for powers of two from 16 on (L - 8
+ * doubles) and one for the other lengths (4L doubles), each for the length that
+ * came last: a new length replaces its set. They are released by a call alone, not
+ * by the end of the thread. Each call takes and releases a copy of L doubles.
+ *
+ * Checks: src or dst null; len < 1; both directions or none; no memory for the copy
+ * or the tables (RVX_STATUS_NO_MEMORY). dst is untouched then. Tables that could not
+ * be made are not half there: the next call makes them.
+ *
+ * N. Ahmed, T. Natarajan, K. R. Rao, Discrete cosine transform, 1974; B. G. Lee, A
+ * new algorithm to compute the discrete cosine transform, 1984.
+ * ------------------------------------------------------------------------- */
+
+RVX_API void rvxdDct(const double *src, double *dst, int len, int flags);
+
+/* ---------------------------------------------------------------------------
  * Goertzel
  *
  * One bin of the discrete Fourier transform, of a signal that comes in blocks of any
