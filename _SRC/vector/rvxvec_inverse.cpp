@@ -44,14 +44,14 @@ struct BoundedReciprocal {
 RVX_KERNEL bool invertReal(const double *src, double *dst, int n)
 {
     Reciprocal reciprocal;
-    walkReal(src, dst, n, reciprocal);
+    walkReal<Spare::operations>(src, dst, n, reciprocal);
     return anyLane(reciprocal.noted);
 }
 
 RVX_KERNEL void invertRealBounded(const double *src, double *dst, int n, double thresh)
 {
     BoundedReciprocal reciprocal{allLanes(thresh)};
-    walkReal(src, dst, n, reciprocal);
+    walkReal<Spare::operations>(src, dst, n, reciprocal);
 }
 
 bool invertRealBlock(const double *src, double *dst, int len, double thresh)

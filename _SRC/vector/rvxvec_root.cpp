@@ -48,7 +48,7 @@ RVX_INLINE void applyToFour(RealRoot &root, Lanes (&x)[4])
 RVX_KERNEL bool rootTriples(const double *src, double *dst, std::ptrdiff_t n)
 {
     RealRoot root;
-    walkReal(src, dst, n, root);
+    walkReal<Spare::operations>(src, dst, n, root);
     return anyLane(isSigned(root.signs));
 }
 
@@ -114,7 +114,7 @@ RVX_INLINE void applyToFour(CplxRoot &root, Quad (&z)[4])
 RVX_KERNEL void rootCplxTriples(const ZCplx *src, ZCplx *dst, std::ptrdiff_t n)
 {
     CplxRoot root;
-    walkCplx(src, dst, n, root);
+    walkCplx<Spare::operations>(src, dst, n, root);
 }
 
 // The same for one element, rounded once.
@@ -134,10 +134,11 @@ ZCplx rootExtended(ZCplx z)
 
 void rootCplx(const ZCplx *src, ZCplx *dst, int len)
 {
+    // The remainder first: its chain of roots and divisions then runs beside the others.
     const std::ptrdiff_t inTriples = len - len % 3;
-    rootCplxTriples(src, dst, inTriples);
     for (std::ptrdiff_t i = inTriples; i < len; ++i)
         dst[i] = rootExtended(src[i]);
+    rootCplxTriples(src, dst, inTriples);
 }
 
 } // namespace
@@ -145,14 +146,14 @@ void rootCplx(const ZCplx *src, ZCplx *dst, int len)
 bool rvxRootBlock(const double *src, double *dst, int len)
 {
     const std::ptrdiff_t inTriples = len - len % 3;
-    bool negative = rootTriples(src, dst, inTriples);
+    bool negative = false;
     for (std::ptrdiff_t i = inTriples; i < len; ++i) {
         if (std::signbit(src[i]))
             negative = true;
         else
             dst[i] = std::sqrt(src[i]);
     }
-    return negative;
+    return rootTriples(src, dst, inTriples) || negative;
 }
 
 void rvxdbSqrt1(double *vec, int len)

@@ -1,8 +1,9 @@
-// Walks over blocks that change each element by itself, four lanes at a time. What
-// is left over goes through the same operation in a part of the lanes.
+// Walks over blocks that change each element by itself, four lanes at a time. Fewer
+// than four elements go through the same operation in a part of the lanes.
 //
-// An operation is a record, so that it can hold its constants and note what it saw.
-// dst may be src: every step has read its elements before it writes.
+// An operation is a record, so that it can hold its constants and note what it saw; it
+// may meet an element twice. dst may be src: every step has read its elements before
+// it or another writes them.
 
 #ifndef RVXWALK_H
 #define RVXWALK_H
@@ -38,27 +39,43 @@ RVX_INLINE void applyToFour(Op &op, Lanes (&x)[4])
         x[j] = op(x[j]);
 }
 
-// dst[i] = op(src[i]), with Lanes op(Lanes)
-template <typename Op>
+// What a walk is to spare: stores that cross cache lines, or operations, where the
+// divider makes each of them wait. Blocks of more than the nearest cache go in step
+// either way.
+enum class Spare { stores, operations };
+
+template <Spare spare>
+RVX_INLINE std::ptrdiff_t secondStep(const void *dst, std::ptrdiff_t bytes)
+{
+    constexpr std::ptrdiff_t nearest = 1 << 14;
+    return spare == Spare::stores || bytes > nearest ? 4 - doublesBehindLanes(dst) : 4;
+}
+
+// dst[i] = op(src[i]), with Lanes op(Lanes). Both ends of a block are read first and
+// stored last, four elements each: what lies between overlaps them, so that it is in
+// step with the lanes of dst and nothing is left over.
+template <Spare spare = Spare::stores, typename Op>
 RVX_INLINE void walkReal(const double *src, double *dst, std::ptrdiff_t n, Op &op)
 {
-    std::ptrdiff_t i = 0;
-    const int past = doublesBehindLanes(dst);
-    if (n >= RVX_WORTH_ALIGNING && past > 0) {
-        i = 4 - past;
-        storeSome(dst, op(loadSome(src, i)), i);
+    if (n < 4) {
+        if (n > 0)
+            storeSome(dst, op(loadSome(src, n)), n);
+        return;
     }
+    const Lanes first = op(loadLanesOnce(src));
+    const Lanes last = op(loadLanesOnce(src + n - 4));
+    std::ptrdiff_t i = secondStep<spare>(dst, 8 * n);
     for (; n - i >= 16; i += 16) {
-        Lanes x[4] = {loadLanes(src + i), loadLanes(src + i + 4), loadLanes(src + i + 8),
-                      loadLanes(src + i + 12)};
+        Lanes x[4] = {loadLanesOnce(src + i), loadLanesOnce(src + i + 4),
+                      loadLanesOnce(src + i + 8), loadLanesOnce(src + i + 12)};
         applyToFour(op, x);
         for (int j = 0; j < 4; ++j)
             storeLanes(dst + i + 4 * j, x[j]);
     }
-    for (; n - i >= 4; i += 4)
-        storeLanes(dst + i, op(loadLanes(src + i)));
-    if (i < n)
-        storeSome(dst + i, op(loadSome(src + i, n - i)), n - i);
+    for (; n - i > 4; i += 4)
+        storeLanes(dst + i, op(loadLanesOnce(src + i)));
+    storeLanes(dst, first);
+    storeLanes(dst + n - 4, last);
 }
 
 RVX_INLINE Quad loadFour(const ZCplx *p)
@@ -99,15 +116,18 @@ RVX_INLINE void applyToFour(Op &op, Quad (&z)[4])
         z[j] = op(z[j]);
 }
 
-// dst[i] = op(src[i]), with Quad op(Quad)
-template <typename Op>
+// dst[i] = op(src[i]), with Quad op(Quad); both ends as above.
+template <Spare spare = Spare::stores, typename Op>
 RVX_INLINE void walkCplx(const ZCplx *src, ZCplx *dst, std::ptrdiff_t n, Op &op)
 {
-    std::ptrdiff_t i = 0;
-    if (n >= RVX_WORTH_ALIGNING && doublesBehindLanes(dst) == 2) {
-        storeSomeOfFour(dst, op(loadSomeOfFour(src, 1)), 1);
-        i = 1;
+    if (n < 4) {
+        if (n > 0)
+            storeSomeOfFour(dst, op(loadSomeOfFour(src, n)), n);
+        return;
     }
+    const Quad first = op(loadFour(src));
+    const Quad last = op(loadFour(src + n - 4));
+    std::ptrdiff_t i = spare == Spare::stores && doublesBehindLanes(dst) == 2 ? 3 : 4;
     for (; n - i >= 16; i += 16) {
         Quad z[4] = {loadFour(src + i), loadFour(src + i + 4), loadFour(src + i + 8),
                      loadFour(src + i + 12)};
@@ -115,10 +135,10 @@ RVX_INLINE void walkCplx(const ZCplx *src, ZCplx *dst, std::ptrdiff_t n, Op &op)
         for (int j = 0; j < 4; ++j)
             storeFour(dst + i + 4 * j, z[j]);
     }
-    for (; n - i >= 4; i += 4)
+    for (; n - i > 4; i += 4)
         storeFour(dst + i, op(loadFour(src + i)));
-    if (i < n)
-        storeSomeOfFour(dst + i, op(loadSomeOfFour(src + i, n - i)), n - i);
+    storeFour(dst, first);
+    storeFour(dst + n - 4, last);
 }
 
 #endif
