@@ -1,15 +1,16 @@
 // rvxdiv: division of blocks.
 //
-// Each quotient is the processor's own, so the divider is the limit. What becomes of a
-// division by zero is worked out beside it in lanes and chosen by a mask, which costs
-// no time that the divider would not take anyway.
+// Each quotient is the processor's own, so the divider is the limit. Sixteen divisors
+// that divide are told by one test; what becomes of the others is chosen by a mask.
 
 #include <cfloat>
+#include <cstddef>
 
 #include "frame/rvxcheck.h"
 #include "frame/rvxkernel.h"
 #include "frame/rvxlanes.h"
 #include "rvx.h"
+#include "vector/rvxwalk.h"
 
 RVX_MODULE("rvxdiv")
 
@@ -45,28 +46,58 @@ RVX_INLINE double overZero(double a, double none)
     return isZeroOrNan(a) ? none : __builtin_copysign(DBL_MAX, a);
 }
 
-// dst[i] = a[i] / b[i], where 0 / 0 keeps the numerator or gives 0. Says whether there
-// was a zero among the divisors.
+// Neither zero nor a NaN.
+RVX_INLINE LaneMask isDivisor(Lanes x)
+{
+    return isBelow(allLanes(0.0), absLanes(x));
+}
+
+// a / b, where 0 / 0 keeps the numerator or gives 0
+template <bool isKept>
+struct Quotient {
+    LaneMask failed = {};
+    RVX_INLINE Lanes operator()(Lanes a, Lanes b)
+    {
+        const LaneMask divides = isDivisor(b);
+        failed = failed | ~divides;
+        return choose(divides, a / b, overZero(a, isKept ? a : allLanes(0.0)));
+    }
+};
+
+// dst[i] = a[i] / b[i]. Says whether there was a zero among the divisors. Both ends are
+// read first and stored last, so that nothing is left over: what lies between overlaps
+// them.
 template <bool isKept>
 RVX_INLINE bool divideBlock(const double *a, const double *b, double *dst, int n)
 {
-    LaneMask failed = {};
-    bool failedLast = false;
-    int i = 0;
-    for (; i < n - 3; i += 4) {
-        const Lanes num = loadLanes(a + i), den = loadLanes(b + i);
-        const LaneMask isZero = isZeroOrNan(den);
-        failed = failed | isZero;
-        const Lanes special = overZero(num, isKept ? num : allLanes(0.0));
-        storeLanes(dst + i, choose(isZero, special, num / den));
+    Quotient<isKept> quotient;
+    if (n < 4) {
+        storeSome(dst, quotient(loadSome(a, n), loadSome(b, n)), n);
+        return anyLane(quotient.failed);
     }
-    for (; i < n; ++i) {
-        const double num = a[i], den = b[i];
-        const bool isZero = isZeroOrNan(den);
-        failedLast = failedLast || isZero;
-        dst[i] = isZero ? overZero(num, isKept ? num : 0.0) : num / den;
+    const Lanes first = quotient(loadLanes(a), loadLanes(b));
+    const Lanes last = quotient(loadLanes(a + n - 4), loadLanes(b + n - 4));
+    std::ptrdiff_t i = secondStep<Spare::operations>(dst, std::ptrdiff_t{8} * n);
+    for (; i < n - 15; i += 16) {
+        Lanes dens[4], quotients[4];
+        LaneMask divide = isEqual(allLanes(0.0), allLanes(0.0));
+        for (int j = 0; j < 4; ++j) {
+            dens[j] = loadLanesOnce(b + i + 4 * j);
+            divide = divide & isDivisor(dens[j]);
+        }
+        const bool allDivide = everyLane(divide);
+        for (int j = 0; j < 4; ++j) {
+            const Lanes num = loadLanes(a + i + 4 * j);
+            quotients[j] = allDivide ? num / dens[j] : quotient(num, dens[j]);
+        }
+        for (int j = 0; j < 4; ++j)
+            storeLanes(dst + i + 4 * j, quotients[j]);
     }
-    return failedLast || anyLane(failed);
+    for (; i < n - 4; i += 4)
+        storeLanes(dst + i, quotient(loadLanes(a + i), loadLanes(b + i)));
+    storeLanes(dst, first);
+    storeLanes(dst + n - 4, last);
+    return anyLane(quotient.failed);
 }
 
 RVX_KERNEL bool divideInPlace(const double *src, double *dst, int n)
