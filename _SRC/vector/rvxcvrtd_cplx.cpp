@@ -14,6 +14,7 @@
 #include "rvx.h"
 #include "vector/rvxarith.h"
 #include "vector/rvxcvrtd_polar.h"
+#include "vector/rvxwalk.h"
 
 RVX_MODULE("rvxcvrtd")
 
@@ -43,28 +44,36 @@ struct Power {
     }
 };
 
-// How many elements to do one by one so that the stores to dst are in step with lanes.
-RVX_INLINE std::ptrdiff_t untilAligned(const double *dst, std::ptrdiff_t n)
+// Brought in order behind the operation: two loads of pairs cost less than four.
+template <typename Op>
+RVX_INLINE Lanes combineFour(const ZCplx *src, Op op)
 {
-    return n >= RVX_WORTH_ALIGNING ? (4 - doublesBehindLanes(dst)) % 4 : 0;
+    const Quad parts = loadFour(src);
+    return swapMiddle(op(parts.re, parts.im));
 }
 
 // dst[i] = op(src[i].re, src[i].im) from the first element up, each group read before
-// it is written: dst may begin where src does.
+// it is written: dst may begin where src does. Both ends are read first and stored last;
+// what lies between overlaps them, so that its stores are in step with the lanes.
 template <typename Op>
 RVX_INLINE void combineParts(const ZCplx *src, double *dst, std::ptrdiff_t n, Op op)
 {
-    std::ptrdiff_t i = 0;
-    for (const std::ptrdiff_t past = untilAligned(dst, n); i < past; ++i)
-        dst[i] = op(src[i].re, src[i].im);
-    for (; n - i >= 8; i += 8) {
-        const Quad low = loadInOrder(src + i);
-        const Quad high = loadInOrder(src + i + 4);
-        storeLanes(dst + i, op(low.re, low.im));
-        storeLanes(dst + i + 4, op(high.re, high.im));
+    if (n < 4) {
+        for (std::ptrdiff_t i = 0; i < n; ++i)
+            dst[i] = op(src[i].re, src[i].im);
+        return;
     }
-    for (; i < n; ++i)
-        dst[i] = op(src[i].re, src[i].im);
+    const Lanes first = combineFour(src, op), last = combineFour(src + n - 4, op);
+    std::ptrdiff_t i = 4 - doublesBehindLanes(dst);
+    for (; n - i >= 8; i += 8) {
+        const Lanes low = combineFour(src + i, op), high = combineFour(src + i + 4, op);
+        storeLanes(dst + i, low);
+        storeLanes(dst + i + 4, high);
+    }
+    for (; n - i > 4; i += 4)
+        storeLanes(dst + i, combineFour(src + i, op));
+    storeLanes(dst, first);
+    storeLanes(dst + n - 4, last);
 }
 
 RVX_KERNEL void takeReal(const ZCplx *src, double *dst, std::ptrdiff_t n)
@@ -82,18 +91,28 @@ RVX_KERNEL void formPower(const ZCplx *src, double *dst, std::ptrdiff_t n)
     combineParts(src, dst, n, Power{});
 }
 
+RVX_INLINE void storeParts(double *re, double *im, Quad parts)
+{
+    storeLanes(re, swapMiddle(parts.re));
+    storeLanes(im, swapMiddle(parts.im));
+}
+
+// In step with re; both ends as above.
 RVX_KERNEL void takeParts(const ZCplx *src, double *re, double *im, std::ptrdiff_t n)
 {
-    std::ptrdiff_t i = 0;
-    for (; n - i >= 4; i += 4) {
-        const Quad parts = loadInOrder(src + i);
-        storeLanes(re + i, parts.re);
-        storeLanes(im + i, parts.im);
+    if (n < 4) {
+        for (std::ptrdiff_t i = 0; i < n; ++i) {
+            const ZCplx z = src[i];
+            re[i] = z.re;
+            im[i] = z.im;
+        }
+        return;
     }
-    for (; i < n; ++i) {
-        re[i] = src[i].re;
-        im[i] = src[i].im;
-    }
+    const Quad first = loadFour(src), last = loadFour(src + n - 4);
+    for (std::ptrdiff_t i = 4 - doublesBehindLanes(re); n - i > 4; i += 4)
+        storeParts(re + i, im + i, loadFour(src + i));
+    storeParts(re, im, first);
+    storeParts(re + n - 4, im + n - 4, last);
 }
 
 // Sources of parts: a block has its elements, a missing one zeros.
@@ -157,22 +176,44 @@ RVX_KERNEL void formMagnitudes(const ZCplx *src, double *mag, std::ptrdiff_t n)
     combineParts(src, mag, n, Magnitude{});
 }
 
+// Of two NaNs the power is that of im, and not the one that a compiler puts first:
+// rvxdbSqrt2 reports by its sign.
+RVX_INLINE Lanes powerByImag(Quad z)
+{
+    const Lanes square = z.im * z.im;
+    return choose(isEqual(z.im, z.im), square + z.re * z.re, square);
+}
+
 // The powers of a run and their roots. False where a power is subnormal, infinite or
-// NaN: then rvxdbSqrt2 has results of its own. Of two NaNs the power is that of im, and
-// not the one that a compiler puts first: rvxdbSqrt2 reports by its sign.
+// NaN: then rvxdbSqrt2 has results of its own. Sixteen that are ordinary and no zeros
+// are told by one test.
 RVX_KERNEL bool formRun(const ZCplx *src, double *power, double *mag)
 {
-    LaneMask ordinary = isEqual(allLanes(0.0), allLanes(0.0));
-    for (int i = 0; i < RVX_MAGNITUDE_RUN; i += 4) {
-        const Quad parts = loadInOrder(src + i);
-        const Lanes square = parts.im * parts.im;
-        const Lanes p = choose(isEqual(parts.im, parts.im), square + parts.re * parts.re, square);
-        const Lanes smallest = choose(isEqual(p, allLanes(0.0)), p, allLanes(0x1p-1022));
-        ordinary = ordinary & isAtMost(smallest, p) & isBelow(p, allLanes(HUGE_VAL));
-        storeLanes(power + i, p);
-        storeLanes(mag + i, sqrtLanes(p));
+    const Lanes smallest = allLanes(0x1p-1022), none = allLanes(HUGE_VAL);
+    LaneMask failed = {};
+    for (int i = 0; i < RVX_MAGNITUDE_RUN; i += 16) {
+        Quad parts[4];
+        Lanes p[4];
+        LaneMask normal = isEqual(none, none);
+        for (int j = 0; j < 4; ++j) {
+            parts[j] = loadFour(src + i + 4 * j);
+            p[j] = parts[j].im * parts[j].im + parts[j].re * parts[j].re;
+            normal = normal & isAtMost(smallest, p[j]) & isBelow(p[j], none);
+        }
+        if (!everyLane(normal))
+            for (int j = 0; j < 4; ++j) {
+                p[j] = powerByImag(parts[j]);
+                const LaneMask isZero = isEqual(p[j], allLanes(0.0));
+                const LaneMask isUsual = isAtMost(smallest, p[j]) & isBelow(p[j], none);
+                failed = failed | ~(isZero | isUsual);
+            }
+        for (int j = 0; j < 4; ++j) {
+            const Lanes inOrder = swapMiddle(p[j]);
+            storeLanes(power + i + 4 * j, inOrder);
+            storeLanes(mag + i + 4 * j, sqrtLanes(inOrder));
+        }
     }
-    return everyLane(ordinary);
+    return !anyLane(failed);
 }
 
 // mag[i] = |src[i]| for one run, as rvxzbPowerSpectr and then rvxdbSqrt2 would do.
