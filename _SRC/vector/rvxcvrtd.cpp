@@ -86,7 +86,7 @@ IntRounding variableRoundingOf(int size, int flags)
     return size == 32 && flags == downwards ? IntRounding::floor : roundingOf(flags);
 }
 
-void toInts(const char *func, const double *src, void *dst, int len, IntFormat format,
+void toInts(const char *func, const double *src, void *dst, int len, const IntFormat &format,
             IntRounding rounding, int flags)
 {
     const bool report = (flags & RVX_CVT_REPORT) != 0;

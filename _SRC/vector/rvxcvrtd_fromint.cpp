@@ -12,68 +12,86 @@
 
 namespace {
 
-// Stores are the limit, and those that cross a cache line count twice.
-RVX_INLINE int stepsToAlignment(const double *dst, int n)
+template <typename Int, typename Value>
+RVX_INLINE void convertEach(const Int *__restrict src, double *__restrict dst, int n, Value value)
 {
-    return n < 64 ? 0 : (4 - doublesBehindLanes(dst)) % 4;
+    for (int i = 0; i < n; ++i)
+        dst[i] = value(src[i]);
 }
 
-template <typename Int>
-RVX_INLINE void scaleInts(const Int *__restrict src, double *__restrict dst, int n, double scale)
+// In groups of as many integers as compilers take at once. The first and the last
+// overlap what lies between, which so needs no remainder, and whose stores, the limit,
+// cross no cache lines.
+template <typename Int, typename Value>
+RVX_INLINE void convertBlock(const Int *src, double *dst, int n, Value value)
 {
-    int i = 0;
-    for (const int steps = stepsToAlignment(dst, n); i < steps; ++i)
-        dst[i] = static_cast<double>(src[i]) * scale;
-    for (; i < n; ++i)
-        dst[i] = static_cast<double>(src[i]) * scale;
+    constexpr int groupLen = 32 / sizeof(Int);
+    if (n < groupLen) {
+        convertEach(src, dst, n, value);
+        return;
+    }
+    convertEach(src, dst, groupLen, value);
+    const int from = groupLen - doublesBehindLanes(dst);
+    const int last = n - groupLen;
+    if (from < last)
+        convertEach(src + from, dst + from, (last - from + groupLen - 1) & -groupLen, value);
+    convertEach(src + last, dst + last, groupLen, value);
 }
+
+struct Scaled {
+    double scale;
+    template <typename Int>
+    RVX_INLINE double operator()(Int x) const
+    {
+        return static_cast<double>(x) * scale;
+    }
+};
 
 RVX_KERNEL void signedBytesToDoubles(const std::int8_t *src, double *dst, int n, double scale)
 {
-    scaleInts(src, dst, n, scale);
+    convertBlock(src, dst, n, Scaled{scale});
 }
 
 RVX_KERNEL void bytesToDoubles(const std::uint8_t *src, double *dst, int n, double scale)
 {
-    scaleInts(src, dst, n, scale);
+    convertBlock(src, dst, n, Scaled{scale});
 }
 
 RVX_KERNEL void signedShortsToDoubles(const std::int16_t *src, double *dst, int n, double scale)
 {
-    scaleInts(src, dst, n, scale);
+    convertBlock(src, dst, n, Scaled{scale});
 }
 
 RVX_KERNEL void shortsToDoubles(const std::uint16_t *src, double *dst, int n, double scale)
 {
-    scaleInts(src, dst, n, scale);
+    convertBlock(src, dst, n, Scaled{scale});
 }
 
 RVX_KERNEL void signedWordsToDoubles(const std::int32_t *src, double *dst, int n, double scale)
 {
-    scaleInts(src, dst, n, scale);
-}
-
-RVX_INLINE double wordBehind(std::int64_t front, double base, std::uint32_t word)
-{
-    const std::int64_t bits = front | static_cast<std::int64_t>(word);
-    double x;
-    std::memcpy(&x, &bits, sizeof x);
-    return std::fabs(x - base);
+    convertBlock(src, dst, n, Scaled{scale});
 }
 
 // The integer is put behind the bits of base = 2^52 * scale, which is then taken
 // off: there is no instruction for unsigned words, and what compilers make of them
 // gives -0.0 for 0 in one rounding mode.
-RVX_KERNEL void wordsToDoubles(const std::uint32_t *__restrict src, double *__restrict dst, int n,
-                               double base)
+struct Behind {
+    std::int64_t front; // the bits of base
+    double base;
+    RVX_INLINE double operator()(std::uint32_t word) const
+    {
+        const std::int64_t bits = front | static_cast<std::int64_t>(word);
+        double x;
+        std::memcpy(&x, &bits, sizeof x);
+        return std::fabs(x - base);
+    }
+};
+
+RVX_KERNEL void wordsToDoubles(const std::uint32_t *src, double *dst, int n, double base)
 {
     std::int64_t front;
     std::memcpy(&front, &base, sizeof front);
-    int i = 0;
-    for (const int steps = stepsToAlignment(dst, n); i < steps; ++i)
-        dst[i] = wordBehind(front, base, src[i]);
-    for (; i < n; ++i)
-        dst[i] = wordBehind(front, base, src[i]);
+    convertBlock(src, dst, n, Behind{front, base});
 }
 
 double powerOfTwo(int exponent)
@@ -86,7 +104,7 @@ double powerOfTwo(int exponent)
 
 } // namespace
 
-void rvxIntsToDoubles(const void *src, double *dst, int n, IntFormat format)
+void rvxIntsToDoubles(const void *src, double *dst, int n, const IntFormat &format)
 {
     const double scale = powerOfTwo(-format.fractBits);
     if (format.size == 8 && format.isUnsigned)

@@ -5,7 +5,9 @@
 
 #include "rvx.h"
 
-// An integer of 8, 16 or 32 bits stands for its value divided by 2^fractBits.
+// An integer of 8, 16 or 32 bits stands for its value divided by 2^fractBits. Passed by
+// reference: for a record in registers compilers write its fields and read them back in
+// one piece, which waits for all of the writes.
 struct IntFormat {
     int size;
     int fractBits; // 0 to 32
@@ -17,10 +19,10 @@ enum class IntRounding { nearest, trunc, floor, ceil };
 // dst[i] = src[i] * 2^fractBits, rounded. What does not fit is saturated if `clip`
 // is set and otherwise keeps its low bits. With `report`, true if something did not
 // fit; without it false.
-bool rvxDoublesToInts(const double *src, void *dst, int n, IntFormat format, IntRounding rounding,
-                      bool clip, bool report);
+bool rvxDoublesToInts(const double *src, void *dst, int n, const IntFormat &format,
+                      IntRounding rounding, bool clip, bool report);
 
 // dst[i] = src[i] * 2^-fractBits, exactly.
-void rvxIntsToDoubles(const void *src, double *dst, int n, IntFormat format);
+void rvxIntsToDoubles(const void *src, double *dst, int n, const IntFormat &format);
 
 #endif

@@ -220,7 +220,7 @@ double fromBits(std::int64_t bits)
 
 // The bias of 32 bits has values that fit as sums with one and the same high word; in
 // fewer bits values less what stands for 0 are signed words as they are.
-Conversion conversionTo(IntFormat format)
+Conversion conversionTo(const IntFormat &format)
 {
     const bool isWord = format.size == 32;
     const std::int64_t half = INT64_C(1) << (format.size - 1);
@@ -246,8 +246,8 @@ Conversion conversionTo(IntFormat format)
 
 } // namespace
 
-bool rvxDoublesToInts(const double *src, void *dst, int n, IntFormat format, IntRounding rounding,
-                      bool clip, bool report)
+bool rvxDoublesToInts(const double *src, void *dst, int n, const IntFormat &format,
+                      IntRounding rounding, bool clip, bool report)
 {
     const Conversion to = conversionTo(format);
     // Truncated words are rounded downwards too, after a step of their own.
