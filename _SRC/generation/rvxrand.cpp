@@ -62,7 +62,7 @@ void rvxdRandUniInit(double seed, double low, double high, rvxRandUniState *stat
     state->carry = 0;
     plantSeed(seed, state);
     double dropped[5];
-    fillUniform(state, dropped, 5);
+    rvxFillUniform(state, dropped, 5);
 }
 
 void rvxzRandUniInit(double seed, double low, double high, rvxRandUniState *state)
@@ -75,7 +75,7 @@ double rvxdRandUni(rvxRandUniState *state)
 {
     RVX_REJECT_IF(state == nullptr, "Null pointer to state structure", 0.0);
     double sample;
-    fillUniform(state, &sample, 1);
+    rvxFillUniform(state, &sample, 1);
     return sample;
 }
 
@@ -83,7 +83,7 @@ ZCplx rvxzRandUni(rvxRandUniState *state)
 {
     RVX_REJECT_IF(state == nullptr, "Null pointer to state structure", ZCplx{0.0, 0.0});
     ZCplx sample;
-    fillUniform(state, &sample.re, 2);
+    rvxFillUniform(state, &sample.re, 2);
     return sample;
 }
 
@@ -92,7 +92,7 @@ void rvxdbRandUni(rvxRandUniState *state, double *samps, unsigned sampsLen)
     RVX_REJECT_IF(state == nullptr, "Null pointer to state structure");
     RVX_REJECT_IF(samps == nullptr, "Null pointer to data buffer");
     RVX_REJECT_IF(sampsLen == 0, "Null length of buffer");
-    fillUniform(state, samps, sampsLen);
+    rvxFillUniform(state, samps, sampsLen);
 }
 
 void rvxzbRandUni(rvxRandUniState *state, ZCplx *samps, unsigned sampsLen)
@@ -100,7 +100,7 @@ void rvxzbRandUni(rvxRandUniState *state, ZCplx *samps, unsigned sampsLen)
     RVX_REJECT_IF(state == nullptr, "Null pointer to state structure");
     RVX_REJECT_IF(samps == nullptr, "Null pointer to data buffer");
     RVX_REJECT_IF(sampsLen == 0, "Null length of buffer");
-    fillUniform(state, &samps->re, 2 * static_cast<std::uint64_t>(sampsLen));
+    rvxFillUniform(state, &samps->re, 2 * static_cast<std::uint64_t>(sampsLen));
 }
 
 // Unlike the uniform generator, this one starts with a carry and drops no samples, on
@@ -125,7 +125,7 @@ double rvxdRandGaus(rvxRandGausState *state)
 {
     RVX_REJECT_IF(state == nullptr, "Null pointer to state structure", 0.0);
     double sample;
-    fillGaussian(state, &sample, 1);
+    rvxFillGaussian(state, &sample, 1);
     return sample;
 }
 
@@ -133,7 +133,7 @@ ZCplx rvxzRandGaus(rvxRandGausState *state)
 {
     RVX_REJECT_IF(state == nullptr, "Null pointer to state structure", ZCplx{0.0, 0.0});
     ZCplx sample;
-    fillGaussian(state, &sample.re, 2);
+    rvxFillGaussian(state, &sample.re, 2);
     return sample;
 }
 
@@ -142,7 +142,7 @@ void rvxdbRandGaus(rvxRandGausState *state, double *samps, unsigned sampsLen)
     RVX_REJECT_IF(state == nullptr, "Null pointer to state structure");
     RVX_REJECT_IF(samps == nullptr, "Null pointer to data buffer");
     RVX_REJECT_IF(sampsLen == 0, "Null length of buffer");
-    fillGaussian(state, samps, sampsLen);
+    rvxFillGaussian(state, samps, sampsLen);
 }
 
 void rvxzbRandGaus(rvxRandGausState *state, ZCplx *samps, unsigned sampsLen)
@@ -150,5 +150,5 @@ void rvxzbRandGaus(rvxRandGausState *state, ZCplx *samps, unsigned sampsLen)
     RVX_REJECT_IF(state == nullptr, "Null pointer to state structure");
     RVX_REJECT_IF(samps == nullptr, "Null pointer to data buffer");
     RVX_REJECT_IF(sampsLen == 0, "Null length of buffer");
-    fillGaussian(state, &samps->re, 2 * static_cast<std::uint64_t>(sampsLen));
+    rvxFillGaussian(state, &samps->re, 2 * static_cast<std::uint64_t>(sampsLen));
 }

@@ -8,6 +8,6 @@
 #include "rvx.h"
 
 // The next n samples.
-void fillGaussian(rvxRandGausState *state, double *samps, std::uint64_t n);
+void rvxFillGaussian(rvxRandGausState *state, double *samps, std::uint64_t n);
 
 #endif

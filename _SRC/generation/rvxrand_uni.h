@@ -8,6 +8,6 @@
 #include "rvx.h"
 
 // The next n samples.
-void fillUniform(rvxRandUniState *state, double *samps, std::uint64_t n);
+void rvxFillUniform(rvxRandUniState *state, double *samps, std::uint64_t n);
 
 #endif
