@@ -824,6 +824,116 @@ RVX_API ZCplx rvxdbGoertz(rvxdGoertzState *state, const double *src, int len);
 RVX_API ZCplx rvxzbGoertz(rvxzGoertzState *state, const ZCplx *src, int len);
 
 /* ---------------------------------------------------------------------------
+ * Wavelet transforms
+ *
+ * A two-channel filter bank, level by level, on a signal taken as periodic at each
+ * level. With n(0) the signal's length, level i has n(i) = (n(i-1) + 1) / 2 values, in
+ * integer arithmetic, in each of two bands; o and t are offsets and taps of the four
+ * filters 0 analysis low-pass, 1 analysis high-pass, 2 synthesis low-pass, 3 synthesis
+ * high-pass, and x the level before, which repeats its last value where n(i-1) is odd:
+ *   a[k] = sum over j of t0[j] x[2k + o0 - j]   the approximation, 0 <= k < n(i)
+ *   d[k] = sum over j of t1[j] x[2k + o1 - j]   the details
+ *   x[t] = sum over k of a[k] t2[t + o2 - 2k] + sum over k of d[k] t3[t + o3 - 2k]
+ * The next level takes a for its x.
+ *
+ * Coefficients: the approximation of the last level, its details, the details of the
+ * level before it, and so on; the details of level 1, the finest, come last.
+ *
+ * Analysis low-passes sum to 1 and synthesis low-passes to 2: an approximation of a
+ * constant is that constant, whatever the level.
+ *
+ * Each sum starts from +0.0, with j or k ascending, each product rounded and then
+ * added; the sum of the details is complete before it is added to that of the
+ * approximation. The two Haar banks, types RVX_WT_HAAR, RVX_WT_DAUBECHIES with par1 1,
+ * and the splines with par1 and par2 1, take sums and differences instead:
+ * d = (x1 - x0) 0.5, a = x0 + d and back x0 = a - d, x1 = a + d, where (x0, x1) is
+ * (x[2k], x[2k+1]), for splines (x[2k], x[2k-1]). Results do not depend on where
+ * arrays stand or on what was called before. These functions clear the status as they
+ * begin.
+ *
+ * Sources: S. Mallat, A theory for multiresolution signal decomposition, 1989; of the
+ * filters, I. Daubechies, Ten Lectures on Wavelets, 1992, chapters 6 and 8.
+ * ------------------------------------------------------------------------- */
+
+/* Wavelet types, and what their parameters mean. par2 counts for the splines alone.
+ *   HAAR, VAIDYANATHAN   2 and 24 taps; par1 is ignored
+ *   DAUBECHIES           par1 1 to 10 vanishing moments, 2 par1 taps
+ *   SYMLET               par1 1 to 7, 2 (par1 + 3) taps: par1 + 3 vanishing moments
+ *   COIFLET              par1 1 to 5, 6 par1 taps
+ *   BSPLINE              par1 1 to 3, the order of the spline, and par2 that of its
+ *                        dual: 1, 3, 5 with par1 1; 2, 4, 6, 8 with 2; 1, 3, 5, 7, 9
+ *                        with 3. Biorthogonal
+ *   BSPLINE_DUAL         the same, analysis and synthesis exchanged
+ *   LINEAR_SPLINE        BSPLINE with 2 and 2; parameters are ignored
+ *   QUADRATIC_SPLINE     BSPLINE with 3 and 3; parameters are ignored */
+enum {
+    RVX_WT_HAAR = 1,
+    RVX_WT_DAUBECHIES = 2,
+    RVX_WT_SYMLET = 3,
+    RVX_WT_COIFLET = 4,
+    RVX_WT_VAIDYANATHAN = 5,
+    RVX_WT_BSPLINE = 6,
+    RVX_WT_BSPLINE_DUAL = 7,
+    RVX_WT_LINEAR_SPLINE = 8,
+    RVX_WT_QUADRATIC_SPLINE = 9
+};
+
+/* A state serves any number of transforms, one at a time. The transforms go by what it
+ * says and change nothing but *workBuf, so a caller may also fill one by hand: with
+ * filters of its own, of any length and offset, or for a length that is no power of
+ * two. */
+typedef struct rvxWtState {
+    int core;                  /* 2 in a live state */
+    int wtType;                /* RVX_WT_... */
+    int wtKind;                /* 1 orthogonal, 2 biorthogonal; not read */
+    int par1;                  /* as passed, also where it is ignored */
+    int par2;                  /* likewise */
+    int dataOrder;             /* base-2 logarithm of the length; not read */
+    int level;                 /* number of levels, 0 or more */
+    int len_filt[4];           /* taps of each filter */
+    int ofs_filt[4];           /* offset of each filter */
+    const double *tap_filt[4]; /* the taps; those of the library are constants */
+    double *workBuf;           /* lenLevel[0] + 2 * (largest of len_filt) doubles */
+    int len_dec;               /* number of coefficients */
+    int lenLevel[33];          /* n(0), the signal's length, to n(level), and zeros */
+} rvxWtState;
+
+/* Makes *wtState a state for signals of 2^dataOrder samples. What it held before is
+ * not looked at: a live state is to be released first. A refused call leaves it as it
+ * was.
+ *   par1, par2  as the type says
+ *   dataOrder   1 to 30: there is no int for 2^31
+ *   level       0 to dataOrder; 0 copies
+ *   wtState     a record of any contents
+ *   wtType      RVX_WT_...
+ * Checks: dataOrder outside 1..31, with the message of level; then, under the name
+ * "rvxdWtInitLen" and followed by an RVX_STATUS_BACKTRACE of rvxdWtInit: wtState null;
+ * dataOrder 31, as a length below 2; level below 0; level above dataOrder; wtType
+ * unknown; par1, then par2, not one of its type's; no memory (RVX_STATUS_NO_MEMORY). */
+RVX_API void rvxdWtInit(int par1, int par2, int dataOrder, int level, rvxWtState *wtState,
+                        int wtType);
+
+/* Releases the work buffer and sets the whole record to zero, so that it is refused
+ * from then on. May be called again on a freed state.
+ * Check: wtState null. */
+RVX_API void rvxWtFree(rvxWtState *wtState);
+
+/* The coefficients of a signal.
+ *   src  lenLevel[0] samples, left unchanged
+ *   dst  len_dec coefficients: after rvxdWtInit as many as samples; may not overlap src
+ * Checks: wtState null; src null; dst null; *wtState not a live state. */
+RVX_API void rvxdWtDecompose(rvxWtState *wtState, const double *src, double *dst);
+
+/* The signal of given coefficients. Undoes rvxdWtDecompose to some roundings (types HAAR
+ * and from BSPLINE on, DAUBECHIES up to 3, COIFLET 1), or as far as the digits go that the
+ * other filters are tabulated with: for a signal of magnitude 1 within 1e-7, and within
+ * 1e-9 but for VAIDYANATHAN, SYMLET 7 and COIFLET 5.
+ *   src  len_dec coefficients, left unchanged
+ *   dst  lenLevel[0] samples; may not overlap src
+ * Checks: wtState null; src null; dst null; *wtState not a live state. */
+RVX_API void rvxdWtReconstruct(rvxWtState *wtState, const double *src, double *dst);
+
+/* ---------------------------------------------------------------------------
  * FIR filters
  *
  * Four families: d real taps and samples, z complex taps and samples, dz complex
