@@ -1568,6 +1568,78 @@ RVX_API void rvxdbTone(rvxdToneState *state, double *samps, int sampsLen);
 RVX_API void rvxzbTone(rvxzToneState *state, ZCplx *samps, int sampsLen);
 
 /* ---------------------------------------------------------------------------
+ * Triangle
+ *
+ * A wave between -mag and +mag made of two slopes. As a function of its phase p, from
+ * 0 to 2 pi: +mag at 0, falling to -mag at pi + asym, rising to +mag at 2 pi. Sample n
+ * is the wave at 2 pi freq n + phase. The imaginary part of the complex form is a
+ * triangle of its own, ahead by (2 pi + (pi + asym)) / 2: by three quarters of a period
+ * where asym is 0. A state is a record of the caller's and holds no memory; one that
+ * was not initialised is not noticed.
+ * ------------------------------------------------------------------------- */
+
+typedef struct rvxdTrnglState {
+    double mag;        /* as given to the initialiser */
+    double step;       /* stepDown or stepUp, whichever is taken now */
+    double stepDown;   /* per sample, while falling */
+    double stepUp;     /* per sample, while rising */
+    double reflectTop; /* slopes of the fold at +mag and at -mag */
+    double reflectBottom;
+    double spanUp; /* what a step beyond the whole other slope is taken back by */
+    double spanDown;
+    double offsetTop; /* folds about 0 instead of the turning point */
+    double offsetBottom;
+    double value; /* the next sample */
+} rvxdTrnglState;
+
+typedef struct rvxzTrnglState {
+    double mag;
+    double stepRe;
+    double stepIm;
+    double stepDown;
+    double stepUp;
+    double reflectTop;
+    double reflectBottom;
+    double spanUp;
+    double spanDown;
+    double offsetTop;
+    double offsetBottom;
+    double valueRe;
+    double valueIm;
+} rvxzTrnglState;
+
+/* Fill a record.
+ *   freq   periods per sample, 0 <= freq < 0.5
+ *   phase  in radians, 0 <= phase < 2 pi
+ *   mag    0 or more, up to 1.4e307; or NaN
+ *   asym   -pi < asym < pi, the falling slope's part of the period above one half
+ * Checks: mag negative; freq, then phase, then asym, out of range or NaN; state null.
+ * The record stays as it was then. */
+RVX_API void rvxdTrnglInit(double freq, double phase, double mag, double asym,
+                           rvxdTrnglState *state);
+RVX_API void rvxzTrnglInit(double freq, double phase, double mag, double asym,
+                           rvxzTrnglState *state);
+
+/* The next sample. The value that follows it is value + step; beyond a turning point, at
+ * +mag or at -mag, that is folded back and the step becomes the other slope's. Where the
+ * fold would leave the range at its other end, the step having jumped over a whole slope,
+ * the value goes back by a span and the step stays. Each sum rounds, so that samples may
+ * leave the range by a few units in the last place, and the wave drifts: the error of
+ * sample n is, as measured over a hundred thousand samples, below
+ * 2.5e-16 mag (n + 4) pi / (pi - |asym|).
+ * Check: state null. The result is then zero. */
+RVX_API double rvxdTrngl(rvxdTrnglState *state);
+RVX_API ZCplx rvxzTrngl(rvxzTrnglState *state);
+
+/* The next sampsLen samples, at least one. A block is one walk wherever it is cut, but
+ * it folds by reflect * value + offset and looks for the turning point ahead alone: last
+ * bits may differ from those of single samples.
+ * Checks: state null; samps null; sampsLen below 1. Record and samps stay as they were
+ * then. */
+RVX_API void rvxdbTrngl(rvxdTrnglState *state, double *samps, int sampsLen);
+RVX_API void rvxzbTrngl(rvxzTrnglState *state, ZCplx *samps, int sampsLen);
+
+/* ---------------------------------------------------------------------------
  * Noise
  *
  * Uniform and Gaussian noise from a record that the caller owns. An initialiser
