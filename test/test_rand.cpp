@@ -1,4 +1,4 @@
-// Noise: the sequences.
+// Noise: seeds, the sequences of uniform noise, what both kinds have in common.
 
 #include <cmath>
 #include <cstdint>
@@ -9,13 +9,12 @@
 #include <gtest/gtest.h>
 
 #include "generation/rvxrand.h"
-#include "generation/rvxrand_ln.h"
-#include "reference/correct.h"
 #include "reference/noise.h"
 #include "rvx.h"
 #include "support/bits.h"
 #include "support/float_environment.h"
 #include "support/guarded.h"
+#include "support/noise_records.h"
 #include "support/reports.h"
 
 namespace {
@@ -23,69 +22,6 @@ namespace {
 constexpr const char *noState = "Null pointer to state structure";
 constexpr const char *noData = "Null pointer to data buffer";
 constexpr const char *noLength = "Null length of buffer";
-
-// What the module takes, within its own bound of the nearest double.
-double ownLn(double w)
-{
-    return firstLane(lnBelowOne(allLanes(w)));
-}
-
-double nearestLn(double w)
-{
-    return reference::correct(mpfr_log, w);
-}
-
-// Every size of seed, both signs, and what is no number.
-std::vector<double> seeds()
-{
-    std::vector<double> all = {0.0,  -0.0, 0.9,    1.0,    -1.0,   1.5,     -1.5,   2.0,
-                               77.0, 1e-3, 1e-310, INF,    -INF,   QUIET,   -QUIET, 1e300,
-                               1e10, 1e15, -3e9,   0x1p31, 0x1p32, -0x1p32, 0x1p63, 0x1p64};
-    for (int exponent = -2; exponent < 140; ++exponent)
-        for (double significand : {1.0, 1.75, 0x1.fffffffffffffp0, 0x1.23456789abcdep0})
-            all.push_back(std::ldexp(significand, exponent) * (exponent % 3 == 0 ? -1.0 : 1.0));
-    return all;
-}
-
-rvxRandUniState uniform(double seed, double low = -1.0, double high = 1.0)
-{
-    rvxRandUniState state;
-    std::memset(&state, 0xa5, sizeof state);
-    rvxdRandUniInit(seed, low, high, &state);
-    return state;
-}
-
-rvxRandGausState gaussian(double seed, double mean = 0.0, double stDev = 1.0)
-{
-    rvxRandGausState state;
-    std::memset(&state, 0xa5, sizeof state);
-    rvxdRandGausInit(seed, mean, stDev, &state);
-    return state;
-}
-
-template <typename State>
-void expectWords(const State &state, const reference::Words &words)
-{
-    EXPECT_EQ(state.seedCong, words.cong);
-    EXPECT_EQ(state.carry, words.carry);
-    EXPECT_EQ(state.x1, words.x1);
-    EXPECT_EQ(state.x2, words.x2);
-    EXPECT_EQ(state.x3, words.x3);
-    EXPECT_EQ(state.seedInit, words.seedInit);
-}
-
-bool sameRecord(const rvxRandUniState &a, const rvxRandUniState &b)
-{
-    return std::memcmp(&a, &b, sizeof a) == 0;
-}
-
-bool sameRecord(const rvxRandGausState &a, const rvxRandGausState &b)
-{
-    return bitsOf(a.mean) == bitsOf(b.mean) && bitsOf(a.stDev) == bitsOf(b.stDev) &&
-           bitsOf(a.spare) == bitsOf(b.spare) && a.haveSpare == b.haveSpare &&
-           a.seedCong == b.seedCong && a.carry == b.carry && a.x1 == b.x1 && a.x2 == b.x2 &&
-           a.x3 == b.x3 && a.seedInit == b.seedInit;
-}
 
 // What real and complex blocks of one kind of noise are called.
 struct UniformKind {
@@ -193,7 +129,7 @@ TEST(NoiseSeed, OfAllSizesGivesTheRecordsOfASecondWriting)
         EXPECT_TRUE(sameRecord(state, other));
 
         rvxRandGausState normal = gaussian(seed), same = normal;
-        expectWords(normal, reference::Gaussian(seed, 0.0, 1.0, ownLn));
+        expectWords(normal, reference::Gaussian(seed, 0.0, 1.0, nullptr));
         rvxzRandGausInit(seed, 0.0, 1.0, &same);
         EXPECT_TRUE(sameRecord(normal, same));
     }
@@ -227,47 +163,18 @@ TEST(UniformNoise, IsTheSequenceOfASecondWritingFromAnyRecord)
                     right.x1 = state.x1 = x1;
                     right.x2 = state.x2 = x2;
                     right.x3 = state.x3 = x3;
+                    const reference::Uniform start = right;
+                    const rvxRandUniState from = state;
                     double samps[37];
-                    rvxdbRandUni(&state, samps, 37);
-                    for (double sample : samps)
-                        ASSERT_EQ(bitsOf(sample), bitsOf(right.next()));
+                    for (unsigned n : {5U, 37U}) { // word by word, and in runs
+                        right = start;
+                        state = from;
+                        rvxdbRandUni(&state, samps, n);
+                        for (unsigned i = 0; i < n; ++i)
+                            ASSERT_EQ(bitsOf(samps[i]), bitsOf(right.next()));
+                    }
                     expectWords(state, right);
                 }
-}
-
-TEST(GaussianNoise, IsTheSequenceOfASecondWriting)
-{
-    for (double seed : seeds()) {
-        reference::Gaussian right(seed, -0.3, 0.9, ownLn);
-        rvxRandGausState state = gaussian(seed, -0.3, 0.9);
-        Guarded<double> samps(1001, 1);
-        rvxdbRandGaus(&state, samps.data(), 1001);
-        for (int i = 0; i < 1001; ++i)
-            ASSERT_EQ(bitsOf(samps[i]), bitsOf(right.next())) << seed << " at " << i;
-        expectWords(state, right);
-        EXPECT_EQ(state.haveSpare, 1U);
-        EXPECT_EQ(bitsOf(state.spare), bitsOf(right.spare));
-        EXPECT_TRUE(samps.intact());
-    }
-}
-
-// Where the logarithm is not the nearest double, the sample is the next one or the same.
-TEST(GaussianNoise, HardlyEverDiffersFromThatOfAnExactLogarithm)
-{
-    constexpr int n = 10000;
-    for (double seed : {0.0, 5.0, -1e9}) {
-        reference::Gaussian right(seed, 0.0, 1.0, nearestLn);
-        rvxRandGausState state = gaussian(seed);
-        std::vector<double> samps(n);
-        rvxdbRandGaus(&state, samps.data(), n);
-        int differ = 0;
-        for (double sample : samps) {
-            const double exact = right.next();
-            differ += bitsOf(sample) == bitsOf(exact) ? 0 : 1;
-            ASSERT_NEAR(sample, exact, std::fabs(exact) * 0x1p-51);
-        }
-        EXPECT_LE(differ, 4) << seed;
-    }
 }
 
 // A record that a caller has filled.
@@ -418,107 +325,6 @@ TEST(UniformNoise, TakesBoundsThatAreNoNumbers)
         EXPECT_EQ(state.x1, plain.x1); // the words go on as ever
         EXPECT_EQ(state.seedCong, plain.seedCong);
     }
-}
-
-TEST(GaussianNoise, WithoutDeviationIsItsMeanAndStillDrawsWords)
-{
-    rvxRandGausState flat = gaussian(4.0, 1.5, 0.0), other = gaussian(4.0, 0.0, 1.0);
-    double samps[31], others[31];
-    rvxdbRandGaus(&flat, samps, 31);
-    rvxdbRandGaus(&other, others, 31);
-    for (double sample : samps)
-        EXPECT_EQ(sample, 1.5);
-    EXPECT_EQ(flat.x1, other.x1);
-    EXPECT_EQ(flat.seedCong, other.seedCong);
-    EXPECT_EQ(flat.haveSpare, 1U);
-    EXPECT_EQ(flat.spare, 1.5);
-}
-
-TEST(GaussianNoise, TakesParametersThatAreNoNumbers)
-{
-    for (double mean : {0.0, QUIET, INF})
-        for (double stDev : {1.0, -1.0, QUIET, INF}) {
-            rvxRandGausState state = gaussian(4.0, mean, stDev), plain = gaussian(4.0);
-            double samps[31], others[31];
-            rvxdbRandGaus(&state, samps, 31);
-            rvxdbRandGaus(&plain, others, 31);
-            for (int i = 0; i < 31; ++i) {
-                const double right = others[i] * stDev + mean;
-                if (std::isnan(right))
-                    EXPECT_TRUE(std::isnan(samps[i]));
-                else
-                    EXPECT_EQ(samps[i], right);
-            }
-            EXPECT_EQ(state.x1, plain.x1);
-        }
-}
-
-TEST(GaussianNoise, KeepsTheSecondOfAPairForLater)
-{
-    rvxRandGausState state = gaussian(8.0);
-    double first, second;
-    rvxdbRandGaus(&state, &first, 1);
-    EXPECT_EQ(state.haveSpare, 1U);
-    const rvxRandGausState between = state;
-    rvxdbRandGaus(&state, &second, 1);
-    EXPECT_EQ(state.haveSpare, 0U);
-    EXPECT_EQ(bitsOf(second), bitsOf(between.spare));
-    EXPECT_EQ(bitsOf(state.spare), bitsOf(between.spare));
-    EXPECT_EQ(state.x1, between.x1); // no words were drawn
-    EXPECT_EQ(state.seedCong, between.seedCong);
-}
-
-TEST(GaussianNoise, TakesAnyMarkOfASpare)
-{
-    for (unsigned mark : {1U, 2U, 0x80000000U, 0xffffffffU})
-        for (unsigned n : {1U, 2U, 3U, 200U}) {
-            rvxRandGausState state = gaussian(8.0), plain = state;
-            state.haveSpare = mark;
-            state.spare = 123.0;
-            std::vector<double> samps(n), others(n);
-            rvxdbRandGaus(&state, samps.data(), n);
-            EXPECT_EQ(samps[0], 123.0);
-            EXPECT_EQ(state.haveSpare, n % 2 == 0 ? 1U : 0U);
-            if (n == 1) {
-                EXPECT_EQ(state.x1, plain.x1);
-                continue;
-            }
-            rvxdbRandGaus(&plain, others.data(), n - 1);
-            EXPECT_EQ(std::memcmp(samps.data() + 1, others.data(), (n - 1) * sizeof(double)), 0);
-            EXPECT_TRUE(sameRecord(state, plain));
-        }
-}
-
-TEST(GaussianNoise, PassesOverAPairOfZeros)
-{
-    // Words whose sums with the congruential sequence are 0 twice.
-    rvxRandGausState state = gaussian(8.0);
-    const auto negative = [](unsigned x) { return 0 - x; };
-    unsigned c1 = 0, c2 = 0;
-    for (state.seedCong = 1;; ++state.seedCong) {
-        c1 = state.seedCong * 69069 + 1013904243;
-        c2 = c1 * 69069 + 1013904243;
-        if (c1 > 0x80000000 && c2 > 0x80000000)
-            break; // both differences are to be above 0
-    }
-    state.carry = 0;
-    state.x3 = 0;
-    state.x2 = negative(c1);
-    state.x1 = negative(c2) + state.x2;
-    reference::Gaussian right(8.0, 0.0, 1.0, ownLn);
-    right.cong = state.seedCong;
-    right.carry = 0;
-    right.x1 = state.x1;
-    right.x2 = state.x2;
-    right.x3 = 0;
-    reference::Words look = right;
-    EXPECT_EQ(look.nextSigned(), 0);
-    EXPECT_EQ(look.nextSigned(), 0);
-    double samps[9];
-    rvxdbRandGaus(&state, samps, 9);
-    for (double sample : samps)
-        EXPECT_EQ(bitsOf(sample), bitsOf(right.next()));
-    expectWords(state, right);
 }
 
 TEST(NoiseChecks, ChecksItsArgumentsInOrder)

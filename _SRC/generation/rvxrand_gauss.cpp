@@ -1,8 +1,9 @@
 // Gaussian noise by the polar method (G. Marsaglia and T. A. Bray, A convenient method
 // for generating normal variables, 1964).
 //
-// As many pairs are drawn as can all be needed, those inside the circle are moved
-// together, and what is left of the work is done on these, four at a time.
+// As many pairs are drawn as are missing in any case, those inside the circle are moved
+// together, and the rest of the work is done on these, four at a time. No more are drawn
+// than one sample after the other would take.
 
 #include "generation/rvxrand_gauss.h"
 
@@ -17,6 +18,7 @@
 namespace {
 
 constexpr int mostDrawn = 64; // pairs at a time
+constexpr int fewPairs = 4;   // up to which they are drawn one by one
 constexpr double wordScale = 4.656612873077e-10;
 
 struct WordPair {
@@ -91,6 +93,17 @@ RVX_INLINE void drawPairs(RandWords &words, WordPair *pairs, int n)
         pairs[i] = {0, 0};
 }
 
+// One pair that is inside.
+RVX_INLINE WordPair nextInside(RandWords &words)
+{
+    for (;;) {
+        const std::int32_t first = nextWord(words), second = nextWord(words);
+        const double u = first * wordScale, v = second * wordScale, w = u * u + v * v;
+        if (w < 1.0 && w != 0.0)
+            return {first, second};
+    }
+}
+
 // The samples of n pairs that are inside. Never draws further than the last of them.
 RVX_KERNEL void gaussianPairs(RandWords *state, double mean, double stDev, double *samps,
                               std::uint64_t n)
@@ -101,16 +114,21 @@ RVX_KERNEL void gaussianPairs(RandWords *state, double mean, double stDev, doubl
     int count = 0;
     while (n > 0) {
         const std::uint64_t missing = n - static_cast<std::uint64_t>(count);
-        const int drawn = missing < mostDrawn ? static_cast<int>(missing) : mostDrawn;
-        drawPairs(words, pairs, drawn);
-        count += keepInside(pairs, drawn, kept + count);
+        if (missing > fewPairs) {
+            const int drawn = missing < mostDrawn ? static_cast<int>(missing) : mostDrawn;
+            drawPairs(words, pairs, drawn);
+            count += keepInside(pairs, drawn, kept + count);
+        } else {
+            for (std::uint64_t i = 0; i < missing; ++i)
+                kept[count++] = nextInside(words);
+        }
         int done = 0;
         for (; done < count - 3; done += 4, samps += 8)
             finishFour(kept + done, allLanes(mean), allLanes(stDev), samps);
         n -= static_cast<std::uint64_t>(done);
         count -= done;
         std::memmove(kept, kept + done, sizeof(WordPair) * 4);
-        if (n == static_cast<std::uint64_t>(count)) {
+        if (count > 0 && n == static_cast<std::uint64_t>(count)) {
             double rest[8];
             for (int i = count; i < 4; ++i)
                 kept[i] = {1, 1};
