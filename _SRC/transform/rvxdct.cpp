@@ -73,14 +73,17 @@ bool needCosines(rvxThreadContext *thread, int L)
     if (thread->dctCosLen == count)
         return true;
     dropCosines(thread);
-    // A count that the record cannot hold is more memory than there is.
-    double *table =
-        count > INT32_MAX ? nullptr : rvxAllocDoubles(static_cast<std::uint32_t>(count));
+    // More than can be counted is more memory than there is.
+    const std::int64_t whole = rvxDctCosinesLen(L);
+    double *table = count > INT32_MAX || whole > UINT32_MAX
+                        ? nullptr
+                        : rvxAllocDoubles(static_cast<std::uint32_t>(whole));
     if (table == nullptr)
         return false;
     const double step = RVX_PI / static_cast<double>(2 * static_cast<std::int64_t>(L));
     for (std::int64_t i = 0; i < count; ++i)
         table[i] = static_cast<double>(cosineOfSteps(i, step));
+    rvxDctSpreadCosines(table, L);
     thread->dctScale = oneOverRoot(L);
     thread->dctCosTable = table;
     thread->dctCosLen = static_cast<std::int32_t>(count);
@@ -121,9 +124,7 @@ bool needStages(rvxThreadContext *thread, int L)
 {
     if (L < RVX_DCT_KERNEL_LEN)
         return true;
-    int count = 0;
-    while (RVX_DCT_KERNEL_LEN << count < L)
-        ++count;
+    const int count = __builtin_ctz(static_cast<unsigned>(L)) - 3;
     if (thread->dctStageCount == count)
         return true;
     dropStages(thread);
@@ -143,7 +144,10 @@ bool transformFast(const double *src, double *copy, double *dst, int L, bool for
     if (!needStages(thread, L))
         return false;
     const RvxDctStages stages{thread->dctStageTables, thread->dctStageScale};
-    (forward ? rvxDctFastForward : rvxDctFastInverse)(src, copy, dst, L, stages);
+    if (forward)
+        rvxDctFastForward(src, copy, dst, L, stages);
+    else
+        rvxDctFastInverse(src, copy, dst, L, stages);
     return true;
 }
 
@@ -154,7 +158,10 @@ bool transformDirect(const double *src, double *copy, double *dst, int L, bool f
         return false;
     std::memcpy(copy, src, sizeof(double) * static_cast<std::size_t>(L));
     const RvxDctCosines cosines{thread->dctCosTable, thread->dctScale};
-    (forward ? rvxDctDirectForward : rvxDctDirectInverse)(copy, dst, L, cosines);
+    if (forward)
+        rvxDctDirectForward(copy, dst, L, cosines);
+    else
+        rvxDctDirectInverse(copy, dst, L, cosines);
     return true;
 }
 
@@ -179,9 +186,11 @@ void rvxdDct(const double *src, double *dst, int len, int flags)
 
     const bool forward = directions == RVX_FFT_FORWARD;
     double *copy = rvxAllocDoubles(static_cast<std::uint32_t>(len));
-    const bool done = copy != nullptr && (len != 1 && isPowerOfTwo(len)
-                                              ? transformFast
-                                              : transformDirect)(src, copy, dst, len, forward);
+    bool done = copy != nullptr;
+    if (done && isPowerOfTwo(len) && len > 1)
+        done = transformFast(src, copy, dst, len, forward);
+    else if (done)
+        done = transformDirect(src, copy, dst, len, forward);
     rvxFreeAligned(copy);
     if (!done)
         RVX_REPORT(RVX_STATUS_NO_MEMORY, "\nMemory allocation problem\n");

@@ -5,7 +5,8 @@
 
 #include <cstdint>
 
-// What the direct engines run on: t[i] = cos(i pi / (2L)) for 0 <= i < 4L, and 1/sqrt(L).
+// What the direct engines run on: t[i] = cos(i pi / (2L)) for 0 <= i < 4L, behind them the
+// same values as the engines read them, and 1/sqrt(L).
 struct RvxDctCosines {
     const double *t;
     double scale;
@@ -27,6 +28,10 @@ void rvxDctFastForward(const double *src, double *copy, double *dst, std::int64_
                        const RvxDctStages &stages);
 void rvxDctFastInverse(const double *src, double *copy, double *dst, std::int64_t L,
                        const RvxDctStages &stages);
+
+// How many doubles the cosines take with what stands behind them, which the second makes.
+std::int64_t rvxDctCosinesLen(std::int64_t L);
+void rvxDctSpreadCosines(double *t, std::int64_t L);
 
 // The transforms of any length L >= 1 as sums. copy holds the input and is destroyed.
 void rvxDctDirectForward(double *copy, double *dst, std::int64_t L, const RvxDctCosines &cosines);

@@ -10,8 +10,9 @@
 // step nothing moves between lanes. Steps take two halvings at once and work from one
 // array into the other; what they leave is finished part by part, which keeps it near.
 
-#include <algorithm>
+#include <utility>
 
+#include "frame/rvxbundle.h"
 #include "frame/rvxlanes.h"
 #include "transform/rvxdct.h"
 #include "transform/rvxdct_kernel8.h"
@@ -29,10 +30,7 @@ constexpr double RVX_NOTHING = -0.0;
 // The place of the secants for sequences of m points, m = 8 * 2^place.
 int placeOf(Index m)
 {
-    int place = 0;
-    while (RVX_DCT_KERNEL_LEN << place < m)
-        ++place;
-    return place;
+    return __builtin_ctzll(static_cast<unsigned long long>(m)) - 3;
 }
 
 RVX_INLINE Lanes quadAt(const double *p, Index i)
@@ -158,26 +156,21 @@ RVX_INLINE void joinQuads(const double *in, double *out, Index m)
 RVX_INLINE void sumsOf8(const double *in, double *out)
 {
     Lanes x[8];
-    for (int n = 0; n < 8; ++n)
-        x[n] = quadAt(in, n);
+    RVX_UNROLLED for (int n = 0; n < 8; ++n) x[n] = quadAt(in, n);
     cosineSums8<false>(x);
-    for (int k = 0; k < 8; ++k)
-        putQuad(out, k, x[k]);
+    RVX_UNROLLED for (int k = 0; k < 8; ++k) putQuad(out, k, x[k]);
 }
 
 RVX_INLINE void sumsOf16(const double *in, double *out, const double *secants)
 {
     Lanes x[8];
-    for (int n = 0; n < 8; ++n)
-        x[n] = quadAt(in, n) + quadAt(in, 15 - n);
+    RVX_UNROLLED for (int n = 0; n < 8; ++n) x[n] = quadAt(in, n) + quadAt(in, 15 - n);
     cosineSums8<false>(x);
-    for (int k = 0; k < 8; ++k)
-        putQuad(out, 2 * k, x[k]);
-    for (int n = 0; n < 8; ++n)
-        x[n] = (quadAt(in, n) - quadAt(in, 15 - n)) * allLanes(secants[n]);
+    RVX_UNROLLED for (int k = 0; k < 8; ++k) putQuad(out, 2 * k, x[k]);
+    RVX_UNROLLED for (int n = 0; n < 8; ++n) x[n] =
+        (quadAt(in, n) - quadAt(in, 15 - n)) * allLanes(secants[n]);
     cosineSums8<false>(x);
-    for (int k = 0; k < 7; ++k)
-        putQuad(out, 2 * k + 1, x[k] + x[k + 1]);
+    RVX_UNROLLED for (int k = 0; k < 7; ++k) putQuad(out, 2 * k + 1, x[k] + x[k + 1]);
     putQuad(out, 15, x[7]);
 }
 
@@ -207,7 +200,8 @@ RVX_KERNEL void cosineSumsOfQuads(double *in, double *out, Index m, int place, S
 // D2 of 16 points: the sums in the even lanes, the differences in the odd ones.
 RVX_INLINE void pairSums16(const double *x, const double *secants, Lanes *v)
 {
-    for (int n = 0; n < 8; n += 4) {
+    RVX_UNROLLED for (int n = 0; n < 8; n += 4)
+    {
         const Lanes front = loadLanes(x + n), back = reversedAt(x + 12 - n);
         const Lanes sums = front + back, differences = (front - back) * loadLanes(secants + n);
         v[n] = interleaveLow(sums, differences);
@@ -217,7 +211,8 @@ RVX_INLINE void pairSums16(const double *x, const double *secants, Lanes *v)
     }
     cosineSums8<false>(v);
     // Results 2k and 2k + 1 in the first two lanes of v[k].
-    for (int k = 0; k < 8; ++k) {
+    RVX_UNROLLED for (int k = 0; k < 8; ++k)
+    {
         const Lanes next = k < 7 ? v[k + 1] : allLanes(RVX_NOTHING);
         v[k] = v[k] + blendOdd(allLanes(RVX_NOTHING), next);
     }
@@ -229,7 +224,7 @@ RVX_KERNEL void forward16(const double *src, double *dst, const double *secants,
     Lanes v[8];
     pairSums16(src, secants, v);
     const double first = v[0].v[0] * firstScale;
-    for (int k = 0; k < 8; k += 2)
+    RVX_UNROLLED for (int k = 0; k < 8; k += 2)
         storeLanes(dst + 2 * k, firstHalves(v[k], v[k + 1]) * allLanes(scale));
     dst[0] = first;
 }
@@ -239,7 +234,8 @@ RVX_INLINE void typeFour16(double *p, const double *secants)
 {
     Lanes v[8];
     pairSums16(p, secants, v);
-    for (int k = 0; k < 8; k += 2) {
+    RVX_UNROLLED for (int k = 0; k < 8; k += 2)
+    {
         const Lanes results = firstHalves(v[k], v[k + 1]);
         const Lanes next = k < 6 ? v[k + 2] : allLanes(RVX_NOTHING);
         storeLanes(p + 2 * k,
@@ -251,22 +247,18 @@ RVX_INLINE void typeFour16(double *p, const double *secants)
 RVX_INLINE void typeFour8(double *p)
 {
     double x[8];
-    for (int n = 0; n < 8; ++n)
-        x[n] = p[n];
+    RVX_UNROLLED for (int n = 0; n < 8; ++n) x[n] = p[n];
     cosineSums8<false>(x);
-    for (int k = 0; k < 7; ++k)
-        p[k] = x[k] + x[k + 1];
+    RVX_UNROLLED for (int k = 0; k < 7; ++k) p[k] = x[k] + x[k + 1];
     p[7] = x[7];
 }
 
 RVX_INLINE void series8(const double *in, double *out)
 {
     double x[8];
-    for (int n = 0; n < 8; ++n)
-        x[n] = in[n];
+    RVX_UNROLLED for (int n = 0; n < 8; ++n) x[n] = in[n];
     cosineSeries8<false>(x);
-    for (int n = 0; n < 8; ++n)
-        out[n] = x[n];
+    RVX_UNROLLED for (int n = 0; n < 8; ++n) out[n] = x[n];
 }
 
 // ---- the inverse's even and odd elements ------------------------------------------
@@ -361,17 +353,34 @@ void typeFour(double *p, double *other, Index m, int place, Secants secants)
 
 // ---- of 8 points and fewer ---------------------------------------------------------
 
-void shortTransform(const double *src, double *dst, Index L, bool forward)
+// src becomes dst by a straight line on L values, which may be the same ones.
+template <int L, void (*line)(double *)>
+RVX_INLINE void shortTransform(const double *src, double *dst)
 {
-    double x[8];
-    std::copy(src, src + L, x);
+    double x[L];
+    RVX_UNROLLED for (int n = 0; n < L; ++n) x[n] = src[n];
+    line(x);
+    RVX_UNROLLED for (int k = 0; k < L; ++k) dst[k] = x[k];
+}
+
+void shortForward(const double *src, double *dst, Index L)
+{
     if (L == 8)
-        forward ? cosineSums8<true>(x) : cosineSeries8<true>(x);
+        shortTransform<8, cosineSums8<true, double>>(src, dst);
     else if (L == 4)
-        forward ? scaledForward4(x) : scaledInverse4(x);
+        shortTransform<4, scaledForward4>(src, dst);
     else
-        scaledBoth2(x);
-    std::copy(x, x + L, dst);
+        shortTransform<2, scaledBoth2>(src, dst);
+}
+
+void shortInverse(const double *src, double *dst, Index L)
+{
+    if (L == 8)
+        shortTransform<8, cosineSeries8<true, double>>(src, dst);
+    else if (L == 4)
+        shortTransform<4, scaledInverse4>(src, dst);
+    else
+        shortTransform<2, scaledBoth2>(src, dst);
 }
 
 } // namespace
@@ -380,7 +389,7 @@ void rvxDctFastForward(const double *src, double *copy, double *dst, std::int64_
                        const RvxDctStages &stages)
 {
     if (L <= 8)
-        return shortTransform(src, dst, L, true);
+        return shortForward(src, dst, L);
     const double scale = stages.scale * RVX_ROOT_OF_TWO;
     if (L == 16)
         return forward16(src, dst, stages.secants[0], stages.scale, scale);
@@ -394,7 +403,7 @@ void rvxDctFastInverse(const double *src, double *copy, double *dst, std::int64_
                        const RvxDctStages &stages)
 {
     if (L <= 8)
-        return shortTransform(src, dst, L, false);
+        return shortInverse(src, dst, L);
     // The elements of even index go from one array to the other as they become fewer. The
     // odd ones of a step stay behind them, become a D4 there, and wait in `waiting`.
     double *here = copy, *there = dst;

@@ -4,6 +4,7 @@
 #ifndef RVX_TEST_REFERENCE_DCT_H
 #define RVX_TEST_REFERENCE_DCT_H
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <vector>
@@ -31,7 +32,7 @@ public:
     {
         long double sum = 0.0L;
         for (Size n = 0; n < L; ++n)
-            sum += static_cast<long double>(x[n]) * cosines[(2 * n + 1) * k % (4 * L)];
+            sum += static_cast<long double>(x[n]) * at((2 * n + 1) * k);
         return weight(k) * sum;
     }
 
@@ -39,11 +40,13 @@ public:
     {
         long double sum = 0.0L;
         for (Size k = 0; k < L; ++k)
-            sum += weight(k) * static_cast<long double>(y[k]) * cosines[(2 * n + 1) * k % (4 * L)];
+            sum += weight(k) * static_cast<long double>(y[k]) * at((2 * n + 1) * k);
         return sum;
     }
 
 private:
+    long double at(Size i) const { return cosines[i % std::max<Size>(4 * L, 1)]; }
+
     long double weight(Size k) const
     {
         return std::sqrt((k == 0 ? 1.0L : 2.0L) / static_cast<long double>(L));
