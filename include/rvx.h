@@ -754,9 +754,10 @@ RVX_API void rvxdCcsFftNip(const double *inSamps, double *outSamps, int order, i
  *          bits are ignored.
  *
  * A thread keeps two sets of tables, one for powers of two from 16 on (L - 8
- * doubles) and one for the other lengths (4L doubles), each for the length that
- * came last: a new length replaces its set. They are released by a call alone, not
- * by the end of the thread. Each call takes and releases a copy of L doubles.
+ * doubles) and one for the other lengths (16 L doubles; up to L = 128, L^2 + 4L or
+ * so), each for the length that came last: a new length replaces its set. They are
+ * released by a call alone, not by the end of the thread. Each call takes and
+ * releases a copy of L doubles.
  *
  * Checks: src or dst null; len < 1; both directions or none; no memory for the copy
  * or the tables (RVX_STATUS_NO_MEMORY). dst is untouched then. Tables that could not

@@ -154,6 +154,76 @@ TEST_F(Dct, EveryLengthTo130IsTheSumOfItsDefinition)
             }
 }
 
+TEST_F(Dct, LongPowersOfTwoAreTheSumsOfTheirDefinition)
+{
+    for (int len = 256; len <= 65536; len *= 4)
+        for (int flags : directions) {
+            std::vector<std::size_t> places;
+            const auto L = static_cast<std::size_t>(len);
+            for (std::size_t k : {std::size_t{0}, std::size_t{1}, std::size_t{2}, L / 4, L / 2 - 1,
+                                  L / 2, L / 3, L - 3, L - 2, L - 1})
+                places.push_back(k);
+            EXPECT_LE(worstError(noise(len, 7), flags, places), errorBound(len))
+                << len << ", flags " << flags;
+        }
+}
+
+TEST_F(Dct, OtherLengthsAboveThoseLaidOutAreTheStatedSums)
+{
+    for (int len : {131, 140, 151, 255, 500, 513, 999, 1000})
+        for (int flags : directions) {
+            const Reals x = noise(len, 9);
+            ASSERT_EQ(firstDifference(transformed(x, flags), bySteps(x, flags)), -1)
+                << len << ", flags " << flags;
+            EXPECT_LE(worstError(x, flags, {0, 1, 2, 50, 99, 130}), errorBound(len)) << len;
+        }
+}
+
+TEST_F(Dct, ArraysMayOverlapInAnyWay)
+{
+    for (int len : {2, 4, 8, 16, 32, 128, 100, 101, 150})
+        for (int flags : directions)
+            for (int shift : {1, len / 4, len / 2, len - 1}) {
+                const Reals x = noise(len, 4), expected = transformed(x, flags);
+                Reals room(2 * x.size());
+                std::copy(x.begin(), x.end(), room.begin());
+                rvxdDct(room.data(), room.data() + shift, len, flags);
+                room.erase(room.begin(), room.begin() + shift);
+                room.resize(x.size());
+                ASSERT_EQ(firstDifference(room, expected), -1) << len << ", " << shift;
+            }
+}
+
+TEST_F(Dct, TheInverseUndoesTheForwardTransform)
+{
+    for (int len : lengths(130, 16384)) {
+        Reals x = noise(len, 6);
+        const Reals before = x;
+        rvxdDct(x.data(), x.data(), len, RVX_FFT_FORWARD);
+        rvxdDct(x.data(), x.data(), len, RVX_FFT_INVERSE);
+        double worst = 0.0;
+        for (std::size_t n = 0; n < x.size(); ++n)
+            worst = std::max(worst, std::fabs(x[n] - before[n]));
+        EXPECT_LE(worst * 0x1p53 / rootMeanSquare(before), 2.5 * errorBound(len)) << len;
+    }
+}
+
+TEST_F(Dct, ShortLinesKeepZerosAndSpreadWhatIsNotFinite)
+{
+    for (int len : {1, 2, 4, 8})
+        for (int flags : directions) {
+            const auto L = static_cast<std::size_t>(len);
+            for (double y : transformed(Reals(L, 0.0), flags))
+                EXPECT_EQ(bitsOf(y), bitsOf(0.0)) << len;
+            for (std::size_t at = 0; at < L; ++at) {
+                Reals x(L, 1.0);
+                x[at] = QUIET;
+                for (double y : transformed(x, flags))
+                    EXPECT_TRUE(std::isnan(y)) << len;
+            }
+        }
+}
+
 TEST_F(Dct, ResultsAreTheStatedSumsBitByBit)
 {
     const Temper tempers[] = {Temper::uniform, Temper::wideRange, Temper::subnormal,
