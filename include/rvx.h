@@ -251,7 +251,7 @@ RVX_API void rvxzbPowerSpectr(const ZCplx *src, double *spectr, int length);
 RVX_API void rvxzbMag(const ZCplx *src, double *mag, int length);
 
 /* Angles: phase[i] = atan2(src[i].im, src[i].re) for 0 <= i < length, from -pi to pi,
- * within 0.7 units in the last place for all arguments. Where src[i].im is zero of either
+ * within 0.85 units in the last place for all arguments. Where src[i].im is zero of either
  * sign or NaN: +pi if src[i].re is negative or NaN, else 0.0; so a real value never has
  * -pi or -0.0. Else a src[i].re of NaN gives NaN. phase may begin where src does, and must
  * not overlap it otherwise. In this and the next two rounding is to nearest and

@@ -23,7 +23,7 @@ constexpr int EXACT_PATTERNS = PATTERNS / 50;
 
 // The header's bounds.
 constexpr double CIRCLE_BOUND = 0.9;
-constexpr double ANGLE_BOUND = 0.7;
+constexpr double ANGLE_BOUND = 0.85;
 
 // Every temper of a double: zeros, the ends of the ranges, where paths meet.
 const double parts[] = {0.0,        -0.0,
@@ -338,7 +338,7 @@ TEST(Phases, RandomPointsAreWithinTheBound)
     Numbers r(1);
     expectAngles(many([&] { return ZCplx{r.pattern(), r.pattern()}; }), "bit patterns");
     expectAngles(many([&] { return ZCplx{r.even(), r.even()}; }), "the unit square");
-    expectAngles(many([&] { return ZCplx{1.0, 0.26 * r.even()}; }), "next to the real axis");
+    expectAngles(many([&] { return ZCplx{1.0, 0.42 * r.even()}; }), "next to the real axis");
     expectAngles(many([&] {
                      return ZCplx{r.scaled(-520, 1040), r.scaled(-520, 1040)};
                  }),
@@ -347,10 +347,11 @@ TEST(Phases, RandomPointsAreWithinTheBound)
                      return ZCplx{r.scaled(-1074, 60), r.scaled(-1074, 60)};
                  }),
                  "subnormals");
-    // About the quotients at which one constant takes over from another.
+    // About the quotient from which on angles are counted from the diagonal, the one at
+    // which the difference begins to be exact, and the diagonal.
     expectAngles(many([&] {
                      const double a = r.scaled(-3, 6);
-                     const double limits[] = {0.25, 0.7207592200561265, 1.0};
+                     const double limits[] = {0.41421356237309503, 0.5, 1.0};
                      const double b = a * limits[r.below(3)] * (1.0 + std::ldexp(r.even(), -45));
                      return r.below(2) == 0 ? ZCplx{a, b} : ZCplx{-b, a};
                  }),

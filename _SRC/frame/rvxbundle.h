@@ -56,6 +56,14 @@ RVX_INLINE Bundle<count> operator*(const Bundle<count> &a, const Bundle<count> &
     return product;
 }
 
+template <int count>
+RVX_INLINE Bundle<count> operator/(const Bundle<count> &a, const Bundle<count> &b)
+{
+    Bundle<count> quotient;
+    RVX_UNROLLED for (int i = 0; i < count; ++i) quotient.v[i] = a.v[i] / b.v[i];
+    return quotient;
+}
+
 // A constant stands for as many of it.
 template <int count>
 RVX_INLINE Bundle<count> operator+(const Bundle<count> &a, double c)

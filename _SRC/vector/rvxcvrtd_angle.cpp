@@ -2,17 +2,19 @@
 // time.
 //
 // With a and b the larger and the smaller magnitude of the two parts, b/a lies between 0
-// and 1, and atan(b/a) = atan(c) + atan((b - c a)/(a + c b)) with c of 0, 1/2 or 1 leaves
-// a quotient t of at most 1/4. One division serves: of t its upper 26 bits are kept and
-// the remainder, exact by T. J. Dekker's products (A floating-point technique for
-// extending the available precision, 1971), gives the rest. Errors stay below 0.7 units
-// in the last place for all arguments.
+// and 1, and counted from the nearest multiple of pi/4 the angle is atan(b/a) or
+// atan((b - a)/(b + a)), with a quotient t of at most tan(pi/8). Of t the upper 26 bits
+// are kept and the remainder, exact by T. J. Dekker's products (A floating-point technique
+// for extending the available precision, 1971), gives the rest; what is left of atan t is
+// a rational function, whose division runs beside the sums. Errors stay below 0.85 units in
+// the last place for all arguments.
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
 
+#include "frame/rvxbundle.h"
 #include "frame/rvxcplx.h"
 #include "frame/rvxfloatmode.h"
 #include "frame/rvxkernel.h"
@@ -21,27 +23,22 @@
 
 namespace {
 
-// atan(c) and multiples of pi, rounded to 50 bits behind the point, so that their sums
-// are exact, and what that leaves.
+// Multiples of pi: that of pi/4 has 50 bits behind the point, so that three times as much
+// is exact, and so are sums. What all of them leave, over themselves.
 constexpr double RVX_PI = 0x1.921fb54442d18p+1;
 constexpr double RVX_HALF_PI = 0x1.921fb54442d18p+0;
 constexpr double RVX_QUARTER_PI = 0x1.921fb54442d18p-1;
-constexpr double RVX_QUARTER_PI_REST = 0x1.1a62633145c07p-55;
-constexpr double RVX_ATAN_HALF = 0x1.dac670561bb50p-2;
-constexpr double RVX_ATAN_HALF_REST = -0x1.2ea406ee84d0fp-55;
-// What multiples of pi leave, over themselves.
-constexpr double RVX_PI_RELATIVE_REST = RVX_QUARTER_PI_REST / RVX_QUARTER_PI;
+constexpr double RVX_PI_RELATIVE_REST = 0x1.1a62633145c07p-55 / RVX_QUARTER_PI;
 
-// Quotients from which on c is 1/2, and 1. The first must not be below 1/4, or b - a/2
-// would round; the second lies half-way between the angles.
-constexpr double RVX_FROM_HALF = 0.25;
-constexpr double RVX_FROM_ONE = 0.7207592200561265;
+// tan(pi/8), the quotient from which on angles are counted from the diagonal.
+constexpr double RVX_FROM_DIAGONAL = 0x1.a827999fcef32p-2;
 
-// atan t = t + t^3 (a0 + a1 t^2 + ...) for |t| up to 1/4: minimax polynomial by Remez'
-// exchange, relative error 2^-57.5.
-constexpr double RVX_ARCTANGENT[] = {
-    -0x1.55555555554c6p-2, 0x1.9999999975259p-3, -0x1.2492490b318f9p-3, 0x1.c71c60a9364bap-4,
-    -0x1.7459e37ee9aeep-4, 0x1.3ab9e1eed73dfp-4, -0x1.0b4d7e0fad1dfp-4, 0x1.7984bf9ee45e2p-5};
+// atan t = t + t^3 N(t^2) / D(t^2) for |t| up to tan(pi/8), D from z^4 down with a factor
+// of 1: minimax by Remez' exchange, relative error 2^-56.6 with these digits.
+constexpr double RVX_NUMERATOR[] = {-0x1.da9508291fd57p+3, -0x1.5d8fcbf7827d9p+4,
+                                    -0x1.1ad5d97e639a5p+3, -0x1.ae950a8770b4bp-1};
+constexpr double RVX_DENOMINATOR[] = {0x1.63efc61ed7e25p+5, 0x1.70f3c79c7b53cp+6,
+                                      0x1.f65330f26a203p+5, 0x1.efeac2f743ab3p+3};
 
 // Between these magnitudes nothing on the way overflows or loses bits to underflow.
 constexpr double RVX_SMALLEST_IN_LANES = 0x1p-500;
@@ -57,24 +54,14 @@ RVX_INLINE Lanes xorSign(Lanes a, RvxBits sign)
     return {(RvxVector)((RvxBits)a.v ^ sign)};
 }
 
-// a[0] + a[1] z + ... + a[7] z^7, in pairs that do not wait for one another.
-RVX_INLINE Lanes septic(const double (&a)[8], Lanes z)
-{
-    const Lanes z2 = z * z;
-    const Lanes p0 = allLanes(a[0]) + z * allLanes(a[1]);
-    const Lanes p1 = allLanes(a[2]) + z * allLanes(a[3]);
-    const Lanes p2 = allLanes(a[4]) + z * allLanes(a[5]);
-    const Lanes p3 = allLanes(a[6]) + z * allLanes(a[7]);
-    return (p0 + z2 * p1) + (z2 * z2) * (p2 + z2 * p3);
-}
+// Angles are found in three stages. Each is a long chain, most of all by its divisions;
+// blocks go through one stage after the other, so that the processor has several vectors
+// of the same stage in hand.
 
-// Angles are found in two stages, so that those of two groups can alternate: one's
-// division then runs beside the other's sums.
-
-// The quotient that is left, and the angle that it is counted from.
+// The quotient that is left, and the multiple of pi/4 that it is counted from. The two
+// parts of the divisor make its exact value, those of the dividend likewise.
 struct Fraction {
-    Lanes dividend, divisorHead, divisorTail, reciprocal;
-    Lanes base, baseRest;
+    Lanes dividend, dividendTail, divisorHead, divisorTail, reciprocal, base;
 };
 
 // Both magnitudes are between RVX_SMALLEST_IN_LANES and RVX_LARGEST_IN_LANES, or the
@@ -86,44 +73,60 @@ RVX_INLINE Fraction fractionOf(Lanes re, Lanes im)
     const LaneMask steep = isBelow(across, up);
     const Lanes a = maxLanes(across, up);
     const Lanes b = minLanes(up, across);
+    const LaneMask diagonal = isBelow(a * allLanes(RVX_FROM_DIAGONAL), b);
+    const Lanes fromA = onlyWhere(diagonal, a);
+    const Lanes fromB = onlyWhere(diagonal, b);
 
-    const LaneMask fromHalf = isAtMost(a * allLanes(RVX_FROM_HALF), b);
-    const LaneMask fromOne = isBelow(a * allLanes(RVX_FROM_ONE), b);
-    const Lanes c = choose(fromOne, allLanes(1.0), onlyWhere(fromHalf, allLanes(0.5)));
-    const Lanes cb = c * b;
-    const Lanes divisor = a + cb;
+    const Lanes divisor = a + fromB;
     const Lanes divisorHead = upperBits(divisor);
-    const Lanes divisorTail = (a - divisorHead) + cb; // exact, also where the sum is not
+    const Lanes divisorTail = (a - divisorHead) + fromB; // exact, also where the sum is not
     // Beyond the diagonal and beyond the imaginary axis angles run backwards.
-    const RvxBits sign = ((RvxBits)re.v ^ steep.b) & INT64_MIN;
-    const Lanes dividend = xorSign(b - c * a, sign);
+    const RvxBits backwards = (RvxBits)re.v & INT64_MIN;
+    const RvxBits side = (RvxBits)im.v & INT64_MIN;
+    const RvxBits sign = backwards ^ (steep.b & INT64_MIN) ^ side;
+    const Lanes difference = b - fromA;
+    const Lanes differenceTail = b - (difference + fromA);
 
-    const Lanes axis =
-        choose(steep, allLanes(RVX_HALF_PI), onlyWhere(isSigned(re), allLanes(RVX_PI)));
-    const Lanes step =
-        choose(fromOne, allLanes(RVX_QUARTER_PI), onlyWhere(fromHalf, allLanes(RVX_ATAN_HALF)));
-    const Lanes stepRest = choose(fromOne, allLanes(RVX_QUARTER_PI_REST),
-                                  onlyWhere(fromHalf, allLanes(RVX_ATAN_HALF_REST)));
-    return {dividend,
+    // pi/2 off the axes, less pi/4 or nothing or, on the far side, plus as much.
+    const Lanes fromUpright =
+        choose(diagonal, allLanes(RVX_QUARTER_PI), onlyWhere(~steep, allLanes(RVX_HALF_PI)));
+    return {xorSign(difference, sign),
+            xorSign(differenceTail, sign),
             divisorHead,
             divisorTail,
             allLanes(1.0) / divisor,
-            axis + xorSign(step, sign),
-            axis * allLanes(RVX_PI_RELATIVE_REST) + xorSign(stepRest, sign)};
+            xorSign(allLanes(RVX_HALF_PI) - xorSign(fromUpright, backwards), side)};
 }
 
-RVX_INLINE Lanes angleOf(Fraction f, Lanes im)
+// Of the angle all but what atan t differs from t: sum + rest.
+struct Turned {
+    Lanes t, sum, rest;
+};
+
+RVX_INLINE Turned turnedBy(Fraction f)
 {
     const Lanes t = f.dividend * f.reciprocal;
     const Lanes head = upperBits(t);
     const Lanes remainder = (f.dividend - head * f.divisorHead) - head * f.divisorTail;
-    const Lanes tail = remainder * f.reciprocal;
-    const Lanes z = t * t;
-    const Lanes bend = (t * z) * septic(RVX_ARCTANGENT, z);
+    const Lanes tail = (remainder + f.dividendTail) * f.reciprocal;
     const Lanes sum = f.base + head;
     const Lanes sumRest = (f.base - sum) + head;
-    const Lanes angle = sum + (bend + (sumRest + (f.baseRest + tail)));
-    return {(RvxVector)((RvxBits)angle.v | ((RvxBits)im.v & INT64_MIN))};
+    const Lanes baseRest = f.base * allLanes(RVX_PI_RELATIVE_REST);
+    return {head + tail, sum, sumRest + (baseRest + tail)};
+}
+
+// atan t - t
+template <int count>
+RVX_INLINE Bundle<count> bendOf(const Bundle<count> &t)
+{
+    const Bundle<count> z = t * t;
+    const double(&n)[4] = RVX_NUMERATOR, (&d)[4] = RVX_DENOMINATOR;
+    Bundle<count> numerator = z * n[3] + n[2], denominator = z + d[3];
+    numerator = numerator * z + n[1];
+    denominator = denominator * z + d[2];
+    numerator = numerator * z + n[0];
+    denominator = denominator * z + d[1];
+    return t * z * numerator / (denominator * z + d[0]);
 }
 
 // Four points in memory, where single ones are mended.
@@ -239,8 +242,10 @@ RVX_INLINE Lanes anglesOfAny(Lanes re, Lanes im, OnAxis rule)
         y = loadLanes(points.im);
         quotient = loadLanes(quotients);
     }
-    const Lanes angle = choose(isEqual(quotient, quotient), quotient, angleOf(fractionOf(x, y), y));
-    return choose(offAxis, angle, axisAngle(re, rule));
+    const Turned turned = turnedBy(fractionOf(x, y));
+    const Lanes angle = withSignOf(turned.sum + (bendOf<1>({{turned.t}}).v[0] + turned.rest), y);
+    return choose(offAxis, choose(isEqual(quotient, quotient), quotient, angle),
+                  axisAngle(re, rule));
 }
 
 RVX_INLINE Lanes magnitudesOf(Lanes re, Lanes im)
@@ -255,37 +260,92 @@ RVX_INLINE Lanes magnitudesOfAny(Lanes re, Lanes im)
     return choose(isOffAxis(im), magnitudesOf(re, im), onAxis);
 }
 
-// True where both parts of all of sixteen points are in range, by their high words: so
-// many at once that the answer costs little on its way out of the lanes.
-RVX_INLINE bool areOrdinary(const ZCplx *src)
+constexpr std::ptrdiff_t chunkLen = 64;
+
+// What the stages leave for each other, in the order of a Quad's lanes.
+struct AngleParts {
+    alignas(32) double dividend[chunkLen], dividendTail[chunkLen];
+    alignas(32) double divisorHead[chunkLen], divisorTail[chunkLen], reciprocal[chunkLen];
+    alignas(32) double base[chunkLen], magnitude[chunkLen];
+    alignas(32) double t[chunkLen], sum[chunkLen], rest[chunkLen];
+};
+
+// Of magnitudes the largest and, of the smaller part of each point, the least. By their
+// high words, which are compared beside all else; a NaN counts as large.
+struct Reach {
+    Lanes greatest, least;
+};
+
+RVX_INLINE bool isOrdinary(Reach reach)
 {
     constexpr std::uint32_t smallest = 0x20b00000, largest = 0x5f300000;
-    RvxWords highest = {};
-    for (int k = 0; k < 16; k += 2) {
-        const RvxWords beyond = (RvxWords)absLanes(loadLanes(src + k)).v - smallest;
-        highest = beyond > highest ? beyond : highest;
-    }
-    const RvxWords fine = (RvxWords)(highest < largest - smallest);
-    return everyLane({(RvxBits)fine & ~std::int64_t{0xffffffff}});
+    const auto fine =
+        (RvxBits)(((RvxWords)reach.greatest.v < largest) & ((RvxWords)reach.least.v >= smallest));
+    return everyLane({fine >> 63});
 }
 
-RVX_INLINE void findFour(const ZCplx *src, double *phase)
+enum class WithMagnitudes { no, yes };
+
+// n is a multiple of 4 and at most chunkLen. False, with `parts` of no use, if not all
+// points are in range.
+template <WithMagnitudes magnitudes>
+RVX_INLINE bool beginAngles(const ZCplx *src, AngleParts &parts, std::ptrdiff_t n)
 {
-    const Quad z = loadInOrder(src);
-    storeLanes(phase, angleOf(fractionOf(z.re, z.im), z.im));
+    Reach reach = {allLanes(0.0), allLanes(1.0)};
+    for (std::ptrdiff_t i = 0; i < n; i += 4) {
+        const Quad z = quadOf(loadLanes(src + i), loadLanes(src + i + 2));
+        const Lanes across = absLanes(z.re), up = absLanes(z.im);
+        reach.greatest = maxWords(reach.greatest, maxWords(across, up));
+        reach.least = minWords(reach.least, minLanes(up, across));
+        const Fraction f = fractionOf(z.re, z.im);
+        storeLanes(parts.dividend + i, f.dividend);
+        storeLanes(parts.dividendTail + i, f.dividendTail);
+        storeLanes(parts.divisorHead + i, f.divisorHead);
+        storeLanes(parts.divisorTail + i, f.divisorTail);
+        storeLanes(parts.reciprocal + i, f.reciprocal);
+        storeLanes(parts.base + i, f.base);
+        if (magnitudes == WithMagnitudes::yes)
+            storeLanes(parts.magnitude + i, magnitudesOf(z.re, z.im));
+    }
+    return isOrdinary(reach);
+}
+
+RVX_INLINE void turnAngles(AngleParts &parts, std::ptrdiff_t n)
+{
+    for (std::ptrdiff_t i = 0; i < n; i += 4) {
+        const Turned t =
+            turnedBy({loadLanes(parts.dividend + i), loadLanes(parts.dividendTail + i),
+                      loadLanes(parts.divisorHead + i), loadLanes(parts.divisorTail + i),
+                      loadLanes(parts.reciprocal + i), loadLanes(parts.base + i)});
+        storeLanes(parts.t + i, t.t);
+        storeLanes(parts.sum + i, t.sum);
+        storeLanes(parts.rest + i, t.rest);
+    }
+}
+
+template <int count>
+RVX_INLINE void finishSome(const AngleParts &parts, double *phase, std::ptrdiff_t at)
+{
+    const Bundle<count> bend = bendOf(loadBundle<count>(parts.t + at));
+    const Bundle<count> angle =
+        loadBundle<count>(parts.sum + at) + (bend + loadBundle<count>(parts.rest + at));
+    RVX_UNROLLED for (int k = 0; k < count; ++k)
+        storeLanes(phase + at + 4 * k, swapMiddle(angle.v[k]));
+}
+
+RVX_INLINE void finishAngles(const AngleParts &parts, double *phase, std::ptrdiff_t n)
+{
+    std::ptrdiff_t i = 0;
+    for (; n - i >= 16; i += 16)
+        finishSome<4>(parts, phase, i);
+    for (; i < n; i += 4)
+        finishSome<1>(parts, phase, i);
 }
 
 RVX_INLINE void findAnyFour(const ZCplx *src, double *phase)
 {
     const Quad z = loadInOrder(src);
     storeLanes(phase, anglesOfAny(z.re, z.im, OnAxis::nanIsNegative));
-}
-
-RVX_INLINE void splitFour(const ZCplx *src, double *mag, double *phase)
-{
-    const Quad z = loadInOrder(src);
-    storeLanes(mag, magnitudesOf(z.re, z.im));
-    storeLanes(phase, angleOf(fractionOf(z.re, z.im), z.im));
 }
 
 RVX_INLINE void splitAnyFour(const ZCplx *src, double *mag, double *phase)
@@ -311,17 +371,18 @@ RVX_INLINE void copySome(const double *four, double *dst, std::ptrdiff_t count)
 RVX_KERNEL void findPhaseBlock(const ZCplx *src, double *phase, std::ptrdiff_t n)
 {
     std::ptrdiff_t i = 0;
-    for (; n - i >= 16; i += 16) {
-        if (__builtin_expect(areOrdinary(src + i), 1)) {
-            for (std::ptrdiff_t k = i; k < i + 16; k += 4)
-                findFour(src + k, phase + k);
+    while (n - i >= 4) {
+        AngleParts parts;
+        const std::ptrdiff_t len = std::min(chunkLen, (n - i) / 4 * 4);
+        if (__builtin_expect(beginAngles<WithMagnitudes::no>(src + i, parts, len), 1)) {
+            turnAngles(parts, len);
+            finishAngles(parts, phase + i, len);
         } else {
-            for (std::ptrdiff_t k = i; k < i + 16; k += 4)
+            for (std::ptrdiff_t k = i; k < i + len; k += 4)
                 findAnyFour(src + k, phase + k);
         }
+        i += len;
     }
-    for (; n - i >= 4; i += 4)
-        findAnyFour(src + i, phase + i);
     if (i < n) {
         ZCplx points[4];
         double phases[4];
@@ -334,17 +395,20 @@ RVX_KERNEL void findPhaseBlock(const ZCplx *src, double *phase, std::ptrdiff_t n
 RVX_KERNEL void splitPolarBlock(const ZCplx *src, double *mag, double *phase, std::ptrdiff_t n)
 {
     std::ptrdiff_t i = 0;
-    for (; n - i >= 16; i += 16) {
-        if (__builtin_expect(areOrdinary(src + i), 1)) {
-            for (std::ptrdiff_t k = i; k < i + 16; k += 4)
-                splitFour(src + k, mag + k, phase + k);
+    while (n - i >= 4) {
+        AngleParts parts;
+        const std::ptrdiff_t len = std::min(chunkLen, (n - i) / 4 * 4);
+        if (__builtin_expect(beginAngles<WithMagnitudes::yes>(src + i, parts, len), 1)) {
+            turnAngles(parts, len);
+            for (std::ptrdiff_t k = 0; k < len; k += 4)
+                storeLanes(mag + i + k, swapMiddle(loadLanes(parts.magnitude + k)));
+            finishAngles(parts, phase + i, len);
         } else {
-            for (std::ptrdiff_t k = i; k < i + 16; k += 4)
+            for (std::ptrdiff_t k = i; k < i + len; k += 4)
                 splitAnyFour(src + k, mag + k, phase + k);
         }
+        i += len;
     }
-    for (; n - i >= 4; i += 4)
-        splitAnyFour(src + i, mag + i, phase + i);
     if (i < n) {
         ZCplx points[4];
         double mags[4], phases[4];

@@ -9,10 +9,12 @@
 // where they are largest, the roundings of x^3/6 beside the sine and of x^2/2 beside the
 // cosine and all that follows add up to 0.35, the last rounding to 0.5.
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
 
+#include "frame/rvxbundle.h"
 #include "frame/rvxfloatmode.h"
 #include "frame/rvxkernel.h"
 #include "frame/rvxlanes.h"
@@ -193,7 +195,6 @@ RVX_INLINE Turns farTurns(Lanes x)
     return {head, negTail, (RvxBits)raised.v};
 }
 
-// Each element is reduced in the way of its own size, whatever stands beside it.
 RVX_INLINE Turns anyTurns(Lanes x)
 {
     const Lanes magnitude = absLanes(x);
@@ -219,70 +220,107 @@ RVX_INLINE Turns anyTurns(Lanes x)
     return turns;
 }
 
+constexpr std::ptrdiff_t chunkLen = 128;
+
+// What the stages leave for each other. They stand apart, so that none is a long chain
+// and the processor has several vectors of the same stage in hand.
+struct TurnParts {
+    alignas(32) double head[chunkLen], negTail[chunkLen], quarters[chunkLen];
+    alignas(32) double cosine[chunkLen], sine[chunkLen];
+};
+
 // a[0] + a[1] z + ... + a[5] z^5, in three pairs that do not wait for one another.
-RVX_INLINE Lanes quintic(const double (&a)[6], Lanes z, Lanes z2)
+template <int count>
+RVX_INLINE Bundle<count> quintic(const double (&a)[6], const Bundle<count> &z,
+                                 const Bundle<count> &z2)
 {
-    const Lanes low = allLanes(a[0]) + z * allLanes(a[1]);
-    const Lanes middle = allLanes(a[2]) + z * allLanes(a[3]);
-    const Lanes high = allLanes(a[4]) + z * allLanes(a[5]);
+    const Bundle<count> high = z * a[5] + a[4];
+    const Bundle<count> middle = z * a[3] + a[2];
+    const Bundle<count> low = z * a[1] + a[0];
     return low + z2 * (middle + z2 * high);
 }
 
-struct Circle {
-    Lanes cosine, sine;
-};
-
-RVX_INLINE Circle circleAt(Turns r)
+template <int count>
+RVX_INLINE void findCircles(TurnParts &parts, std::ptrdiff_t at)
 {
-    const Lanes z = r.head * r.head;
-    const Lanes z2 = z * z;
-    const Lanes one = allLanes(1.0);
-    const Lanes halfSquare = allLanes(0.5) * z;
-    const Lanes rough = one - halfSquare;
-    const Lanes rounded = (one - rough) - halfSquare;
-    const Lanes cosine = rough + ((rounded + r.head * r.negTail) + z2 * quintic(RVX_COSINE, z, z2));
-    const Lanes sine = r.head - ((r.head * z) * quintic(RVX_SINE, z, z2) + r.negTail * rough);
-    return {cosine, sine};
+    const Bundle<count> head = loadBundle<count>(parts.head + at);
+    const Bundle<count> z = head * head, z2 = z * z;
+    const Bundle<count> sineSeries = head * z * quintic(RVX_SINE, z, z2);
+    const Bundle<count> cosineSeries = z2 * quintic(RVX_COSINE, z, z2);
+    const Bundle<count> halfSquare = z * 0.5, rough = 1.0 - halfSquare;
+    const Bundle<count> rounded = (1.0 - rough) - halfSquare;
+    const Bundle<count> negTail = loadBundle<count>(parts.negTail + at);
+    storeBundle(parts.cosine + at, rough + ((rounded + head * negTail) + cosineSeries));
+    storeBundle(parts.sine + at, head - (sineSeries + negTail * rough));
 }
 
-RVX_INLINE void joinFour(Lanes mag, Turns turns, ZCplx *dst)
+RVX_INLINE void joinFour(Lanes mag, Lanes cosine, Lanes sine, RvxBits quarters, ZCplx *dst)
 {
-    const Circle c = circleAt(turns);
     // Odd quarters swap sine and cosine; the sine is negative in the third and fourth
     // quadrant, the cosine in the second and third.
-    const LaneMask odd = {(turns.quarters << 63) < 0};
-    const RvxBits sineSign = (turns.quarters << 62) & INT64_MIN;
-    const RvxBits cosineSign = sineSign ^ (turns.quarters << 63);
-    const Lanes re = choose(odd, c.sine, c.cosine) * xorBits(mag, cosineSign);
-    const Lanes im = choose(odd, c.cosine, c.sine) * xorBits(mag, sineSign);
+    const LaneMask odd = {(quarters << 63) < 0};
+    const RvxBits sineSign = (quarters << 62) & INT64_MIN;
+    const RvxBits cosineSign = sineSign ^ (quarters << 63);
+    const Lanes re = choose(odd, sine, cosine) * xorBits(mag, cosineSign);
+    const Lanes im = choose(odd, cosine, sine) * xorBits(mag, sineSign);
     const Lanes even = evenLanes(re, im);
     const Lanes uneven = oddLanes(re, im);
     storeLanes(dst, firstHalves(even, uneven));
     storeLanes(dst + 2, lastHalves(even, uneven));
 }
 
-RVX_INLINE bool areNear(const double *phase)
+template <Turns (*reduce)(Lanes)>
+RVX_INLINE void reduceAll(const double *phase, TurnParts &parts, std::ptrdiff_t n)
 {
-    const Lanes largest =
-        maxMagnitude(maxMagnitude(absLanes(loadLanes(phase)), loadLanes(phase + 4)),
-                     maxMagnitude(absLanes(loadLanes(phase + 8)), loadLanes(phase + 12)));
-    return everyLane(isAtMost(largest, allLanes(RVX_NEAR)));
+    for (std::ptrdiff_t i = 0; i < n; i += 4) {
+        const Turns t = reduce(loadLanes(phase + i));
+        storeLanes(parts.head + i, t.head);
+        storeLanes(parts.negTail + i, t.negTail);
+        storeLanes(parts.quarters + i, {(RvxVector)t.quarters});
+    }
+}
+
+// Each element is reduced in the way of its own size, whatever stands beside it; where
+// all go one way, that alone is gone.
+RVX_INLINE void reduceChunk(const double *phase, TurnParts &parts, std::ptrdiff_t n)
+{
+    Lanes largest = allLanes(0.0), least = allLanes(RVX_FAR);
+    for (std::ptrdiff_t i = 0; i < n; i += 4) {
+        const Lanes magnitude = absLanes(loadLanes(phase + i));
+        largest = maxWords(largest, magnitude);
+        least = minWords(least, magnitude);
+    }
+    if (everyLane(isAtMost(largest, allLanes(RVX_NEAR))))
+        reduceAll<nearTurns>(phase, parts, n);
+    else if (everyLane(isAtMost(largest, allLanes(RVX_FAR)) & isBelow(allLanes(RVX_NEAR), least)))
+        reduceAll<farTurns>(phase, parts, n);
+    else
+        reduceAll<anyTurns>(phase, parts, n);
+}
+
+// n is a multiple of 4 and at most chunkLen.
+RVX_INLINE void joinChunk(const double *mag, const double *phase, ZCplx *dst, std::ptrdiff_t n)
+{
+    TurnParts parts;
+    reduceChunk(phase, parts, n);
+    std::ptrdiff_t at = 0;
+    for (; n - at >= 8; at += 8)
+        findCircles<2>(parts, at);
+    if (at < n)
+        findCircles<1>(parts, at);
+    for (std::ptrdiff_t i = 0; i < n; i += 4)
+        joinFour(loadLanes(mag + i), loadLanes(parts.cosine + i), loadLanes(parts.sine + i),
+                 (RvxBits)loadLanes(parts.quarters + i).v, dst + i);
 }
 
 RVX_KERNEL void joinPolarForms(const double *mag, const double *phase, ZCplx *dst, std::ptrdiff_t n)
 {
     std::ptrdiff_t i = 0;
-    for (; n - i >= 16; i += 16) {
-        if (__builtin_expect(areNear(phase + i), 1)) {
-            for (std::ptrdiff_t k = i; k < i + 16; k += 4)
-                joinFour(loadLanes(mag + k), nearTurns(loadLanes(phase + k)), dst + k);
-        } else {
-            for (std::ptrdiff_t k = i; k < i + 16; k += 4)
-                joinFour(loadLanes(mag + k), anyTurns(loadLanes(phase + k)), dst + k);
-        }
+    while (n - i >= 4) {
+        const std::ptrdiff_t len = std::min(chunkLen, (n - i) / 4 * 4);
+        joinChunk(mag + i, phase + i, dst + i, len);
+        i += len;
     }
-    for (; n - i >= 4; i += 4)
-        joinFour(loadLanes(mag + i), anyTurns(loadLanes(phase + i)), dst + i);
     if (i < n) {
         double mags[4] = {}, phases[4] = {};
         ZCplx joined[4];
@@ -290,7 +328,7 @@ RVX_KERNEL void joinPolarForms(const double *mag, const double *phase, ZCplx *ds
             mags[k] = mag[i + k];
             phases[k] = phase[i + k];
         }
-        joinFour(loadLanes(mags), anyTurns(loadLanes(phases)), joined);
+        joinChunk(mags, phases, joined, 4);
         for (std::ptrdiff_t k = 0; k < n - i; ++k)
             dst[i + k] = joined[k];
     }
