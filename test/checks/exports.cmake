@@ -1,5 +1,5 @@
 # The dynamic symbols of LIBRARY, the export list MAP and the functions declared
-# in HEADER are the same names.
+# in HEADER are the same names, 215 of them.
 
 cmake_minimum_required(VERSION 3.25)
 
@@ -26,8 +26,8 @@ function(report_difference what extra missing)
 endfunction()
 
 list(LENGTH listed count)
-if(count EQUAL 0)
-    message(FATAL_ERROR "no names in the export list")
+if(NOT count EQUAL 215)
+    message(SEND_ERROR "${count} names in the export list instead of 215")
 endif()
 report_difference("exported, not in the export list" "${exported}" "${listed}")
 report_difference("in the export list, not exported" "${listed}" "${exported}")
