@@ -53,7 +53,7 @@ RVX_INLINE void addPosition(SumsInLanes<vectors> &sums, const double *x, const d
     const Lanes weightB = toB ? allLanes(*tapB) : Lanes{};
 #pragma GCC unroll 8
     for (int v = 0; v < vectors; ++v) {
-        const Lanes sample = loadLanes(x + 4 * v);
+        const Lanes sample = loadLanesOnce(x + 4 * v);
         if (toA)
             sums.a[v] = sums.a[v] + sample * weightA;
         if (toB)
