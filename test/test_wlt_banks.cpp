@@ -78,9 +78,11 @@ double largestMoment(const Taps &taps, int count)
 long double correlation(const Taps &a, const Taps &b, int shift)
 {
     long double sum = 0;
-    for (int n = 0; n < static_cast<int>(a.size()); ++n)
-        if (n + shift >= 0 && n + shift < static_cast<int>(b.size()))
-            sum += a[static_cast<std::size_t>(n)] * b[static_cast<std::size_t>(n + shift)];
+    for (std::size_t n = 0; n < a.size(); ++n) {
+        const auto other = static_cast<std::ptrdiff_t>(n) + shift;
+        if (other >= 0 && other < static_cast<std::ptrdiff_t>(b.size()))
+            sum += a[n] * b[static_cast<std::size_t>(other)];
+    }
     return sum;
 }
 

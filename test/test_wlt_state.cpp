@@ -38,9 +38,16 @@ std::vector<Report> passedOn(int status, const char *context)
             {RVX_STATUS_BACKTRACE, "rvxdWtInit", "out rvxdWtInitLen", "rvxwlt"}};
 }
 
+std::vector<unsigned char> bytesOf(const rvxWtState &state)
+{
+    std::vector<unsigned char> bytes(sizeof state);
+    std::memcpy(bytes.data(), &state, sizeof state);
+    return bytes;
+}
+
 bool sameRecord(const rvxWtState &a, const rvxWtState &b)
 {
-    return std::memcmp(&a, &b, sizeof a) == 0;
+    return bytesOf(a) == bytesOf(b);
 }
 
 // A record in which every byte would show a change.
