@@ -66,19 +66,23 @@ def noise(n):
     return numpy.random.default_rng(1).uniform(-1.0, 1.0, n)
 
 
-def compare(task, size, contenders, agree=True):
+def compare(task, size, contenders, agree=True, views=None, within=1e-12):
     """Adds a row to the table: from who to a function that returns the results.
 
     The first is "rvx". What the first calls return must agree as far as the shorter
     of two goes: peers that start from zeros and go on beyond the block do. Generators of
-    noise say that theirs need not.
+    noise say that theirs need not. Where a peer has another order or scale, views lead
+    from who to a function that makes of its results the array to compare; within is for
+    peers with less precise tables.
     """
     results = {who: run().copy() for who, run in contenders.items()} if agree else {}
+    for who, view in (views or {}).items():
+        results[who] = view(results[who])
     for who, theirs in results.items():
         ours = results["rvx"]
         n = min(len(ours), len(theirs))
         error = abs(ours[:n] - theirs[:n]).max() / abs(theirs[:n]).max()
-        if not error < 1e-12:
+        if not error < within:
             sys.exit(f"error: {task}, {size}: {who} has other results, by {error}")
     for who, run in contenders.items():
         _rows.append((task, size, who, run))

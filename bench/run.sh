@@ -12,7 +12,7 @@ cd "$(dirname "$0")/.." || exit 1
 
 require_packages cmake ninja-build g++ pkg-config python3 libbenchmark-dev
 for peer in libfftw3-dev libopenblas-dev libeigen3-dev libgsl-dev libopencv-imgproc-dev \
-    libsleef-dev python3-scipy; do
+    libsleef-dev python3-scipy python3-pywt; do
     (require_packages $peer) || say "going on without $peer"
 done
 
