@@ -418,3 +418,36 @@ TEST(WaveletBanks, OffsetsOfBothWaysBelongTogether)
             << which;
     }
 }
+
+// Both ways may move together and still undo each other; coefficients would stand elsewhere.
+TEST(WaveletBanks, StandWhereTheyAreStated)
+{
+    struct Stated {
+        WaveletBank which;
+        std::vector<int> ofs;
+    };
+    const std::vector<Stated> all = {
+        {{RVX_WT_HAAR, 0, 0}, {1, 1, 0, 0}},          {{RVX_WT_DAUBECHIES, 1, 0}, {1, 1, 0, 0}},
+        {{RVX_WT_DAUBECHIES, 2, 0}, {1, 1, 2, 2}},    {{RVX_WT_DAUBECHIES, 3, 0}, {1, 1, 4, 4}},
+        {{RVX_WT_DAUBECHIES, 4, 0}, {1, 1, 6, 6}},    {{RVX_WT_DAUBECHIES, 5, 0}, {2, 2, 7, 7}},
+        {{RVX_WT_DAUBECHIES, 6, 0}, {2, 2, 9, 9}},    {{RVX_WT_DAUBECHIES, 7, 0}, {2, 2, 11, 11}},
+        {{RVX_WT_DAUBECHIES, 8, 0}, {2, 2, 13, 13}},  {{RVX_WT_DAUBECHIES, 9, 0}, {3, 3, 14, 14}},
+        {{RVX_WT_DAUBECHIES, 10, 0}, {3, 3, 16, 16}}, {{RVX_WT_SYMLET, 1, 0}, {3, 3, 4, 4}},
+        {{RVX_WT_SYMLET, 2, 0}, {4, 4, 5, 5}},        {{RVX_WT_SYMLET, 3, 0}, {5, 5, 6, 6}},
+        {{RVX_WT_SYMLET, 4, 0}, {8, 8, 5, 5}},        {{RVX_WT_SYMLET, 5, 0}, {8, 8, 7, 7}},
+        {{RVX_WT_SYMLET, 6, 0}, {9, 9, 8, 8}},        {{RVX_WT_SYMLET, 7, 0}, {9, 9, 10, 10}},
+        {{RVX_WT_COIFLET, 1, 0}, {4, 4, 1, 1}},       {{RVX_WT_COIFLET, 2, 0}, {4, 4, 7, 7}},
+        {{RVX_WT_COIFLET, 3, 0}, {6, 6, 11, 11}},     {{RVX_WT_COIFLET, 4, 0}, {8, 8, 15, 15}},
+        {{RVX_WT_COIFLET, 5, 0}, {10, 10, 19, 19}},   {{RVX_WT_VAIDYANATHAN, 0, 0}, {20, 20, 3, 3}},
+        {{RVX_WT_BSPLINE, 1, 1}, {0, 0, 1, 1}},       {{RVX_WT_BSPLINE, 1, 3}, {0, 2, 3, 1}},
+        {{RVX_WT_BSPLINE, 1, 5}, {0, 4, 5, 1}},       {{RVX_WT_BSPLINE, 2, 2}, {1, 1, 2, 2}},
+        {{RVX_WT_BSPLINE, 2, 4}, {1, 3, 4, 2}},       {{RVX_WT_BSPLINE, 2, 6}, {1, 5, 6, 2}},
+        {{RVX_WT_BSPLINE, 2, 8}, {1, 7, 8, 2}},       {{RVX_WT_BSPLINE, 3, 1}, {1, 1, 2, 2}},
+        {{RVX_WT_BSPLINE, 3, 3}, {1, 3, 4, 2}},       {{RVX_WT_BSPLINE, 3, 5}, {1, 5, 6, 2}},
+        {{RVX_WT_BSPLINE, 3, 7}, {1, 7, 8, 2}},       {{RVX_WT_BSPLINE, 3, 9}, {1, 9, 10, 2}}};
+    for (const Stated &stated : all) {
+        const Bank bank(stated.which);
+        for (std::size_t f = 0; f < 4; ++f)
+            EXPECT_EQ(bank.state.ofs_filt[f], stated.ofs[f]) << stated.which << ", filter " << f;
+    }
+}

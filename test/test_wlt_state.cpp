@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -320,6 +321,16 @@ TEST(WaveletState, OwnsOneBufferAndFreeReturnsIt)
     rvxWtFree(&state);
     EXPECT_EQ(rvxGetErrStatus(), RVX_STATUS_OK);
     EXPECT_EQ(watch.live(), 0);
+}
+
+TEST(WaveletState, TheWorkBufferHasTheStatedRoom)
+{
+    for (const WaveletBank &bank : allWaveletBanks())
+        for (int order : {1, 2, 5, 9}) {
+            const Wavelet wavelet(bank.par1, bank.par2, order, order, bank.wtType);
+            EXPECT_EQ(reinterpret_cast<std::uintptr_t>(wavelet.state.workBuf) % 32, 0U);
+            std::fill_n(wavelet.state.workBuf, workLenOf(wavelet.state), 1.0); // the heap sees
+        }
 }
 
 TEST(WaveletState, AFreedStateIsRefused)
