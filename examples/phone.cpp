@@ -24,7 +24,9 @@ namespace phone {
 namespace {
 
 using demo::decibels;
+using demo::levelsOf;
 using demo::requireSuccess;
+using demo::rms;
 
 constexpr double pi = 3.14159265358979323846;
 constexpr double highestRate = 192000.0; // samples per second, of a recording
@@ -83,11 +85,6 @@ Signal throughTheLine(const demo::Recording &voice)
 
 // --- levels ------------------------------------------------------------------
 
-double rms(const Signal &x)
-{
-    return rvxdNorm(x.data(), nullptr, length(x), RVX_NORM_L2) / std::sqrt(length(x));
-}
-
 Signal scaled(const Signal &x, double factor)
 {
     Signal y = x;
@@ -102,20 +99,6 @@ Signal difference(const Signal &x, const Signal &y)
     requireSuccess("difference");
     return d;
 }
-
-} // namespace
-
-// Zeros have no logarithm.
-Signal levelsOf(Signal powers)
-{
-    rvxdbThresh1(powers.data(), length(powers), 1e-30, RVX_THRESH_RAISE);
-    rvxdbLg1(powers.data(), length(powers));
-    rvxdbMpy1(10.0, powers.data(), length(powers));
-    requireSuccess("logarithm");
-    return powers;
-}
-
-namespace {
 
 // Block after block.
 Signal loudnessOf(const Signal &x)

@@ -51,9 +51,6 @@ struct Frame {
     Signal rebuilt, fromMagnitudes;
 };
 
-// Powers as levels in dB, those below -300 dB as -300 dB.
-Signal levelsOf(Signal powers);
-
 void drawSpectra(const demo::Recording &voice, const Signal &line,
                  const std::vector<Signal> &returned, demo::Section &section);
 void drawRatios(const Curves &sine, const Curves &voice, demo::Section &section);

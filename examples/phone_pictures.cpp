@@ -43,7 +43,7 @@ grey = '#5a626c'
 // Per Hz, in dB.
 Signal densityLevels(const Signal &x, double samplesPerSecond)
 {
-    return levelsOf(demo::spectrumOf(x, samplesPerSecond, 0).density);
+    return demo::levelsOf(demo::spectrumOf(x, samplesPerSecond, 0).density);
 }
 
 Signal errorOf(const Signal &x, const Signal &y)

@@ -41,9 +41,26 @@ double bandLevel(const Spectrum &spectrum, double from, double to)
     return std::sqrt(power);
 }
 
+double rms(const std::vector<double> &x)
+{
+    const int n = static_cast<int>(x.size());
+    return rvxdNorm(x.data(), nullptr, n, RVX_NORM_L2) / std::sqrt(n);
+}
+
 double decibels(double ratio)
 {
     return 20.0 * std::log10(ratio);
+}
+
+// Zeros have no logarithm.
+std::vector<double> levelsOf(std::vector<double> powers)
+{
+    const int n = static_cast<int>(powers.size());
+    rvxdbThresh1(powers.data(), n, 1e-30, RVX_THRESH_RAISE);
+    rvxdbLg1(powers.data(), n);
+    rvxdbMpy1(10.0, powers.data(), n);
+    requireSuccess("logarithm");
+    return powers;
 }
 
 double gainInDecibels(double gain)

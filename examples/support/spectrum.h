@@ -22,7 +22,13 @@ Spectrum spectrumOf(const std::vector<double> &x, double samplesPerSecond, int f
 // The level of what lies between two frequencies, as a root mean square in the signal's unit.
 double bandLevel(const Spectrum &spectrum, double from, double to);
 
+// The root of the mean of the squares.
+double rms(const std::vector<double> &x);
+
 double decibels(double ratio);
+
+// Powers as levels in dB, those below -300 dB as -300 dB.
+std::vector<double> levelsOf(std::vector<double> powers);
 
 // A gain in dB, and no less than -140 dB.
 double gainInDecibels(double gain);
