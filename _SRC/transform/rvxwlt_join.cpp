@@ -65,9 +65,10 @@ Reach reachOf(const Filter &f)
 // The weights in outputs t, 0 or 1, of what stands at reach.first and behind it.
 RvxWtTaps tapsOf(const Filter &f, int t)
 {
-    const std::ptrdiff_t first = firstOf(f, t), start = reachOf(f).first;
-    return {f.taps + (t + f.ofs - 2 * first), -2, static_cast<int>(first - start),
-            static_cast<int>(lastOf(f, t) - start + 1)};
+    const std::ptrdiff_t first = firstOf(f, t), last = lastOf(f, t), start = reachOf(f).first;
+    const std::ptrdiff_t weight = first <= last ? t + f.ofs - 2 * first : 0; // or no tap at all
+    return {f.taps + weight, -2, static_cast<int>(first - start),
+            static_cast<int>(last - start + 1)};
 }
 
 RvxWtSums sumsOf(const Filter &f, const double *band)
