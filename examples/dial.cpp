@@ -284,7 +284,7 @@ Lengths lengthsOf(Timing timing)
 {
     const int slot = timing.slot();
     Lengths l{1, 0};
-    for (int ms = 1; 1000 * ms < toneTime * 1e6; ++ms) {
+    for (int ms = 1; 0.001 * ms < toneTime; ++ms) {
         timing.toneLen = static_cast<int>(std::lround(0.001 * ms * timing.rate));
         timing.pause = slot - timing.toneLen;
         const double found = foundOf(timing, 0.0);
@@ -326,7 +326,7 @@ void tellMix(const demo::Recording &recording, const Mix &mix, const std::vector
     });
 }
 
-// Without voice and noise, beside what is asked of receivers (ITU-T Q.24, table A-1).
+// Without voice and noise.
 void tellEdges(const Timing &timing, demo::Section &section)
 {
     const Deviations d = deviationsOf(timing);
@@ -357,6 +357,11 @@ void tellRates(const Rates &rates, int digits, demo::Section &section)
     section.table(rows);
 }
 
+std::string counted(std::size_t number, const char *what)
+{
+    return demo::format("%zu %s%s", number, what, number == 1 ? "" : "s");
+}
+
 // Digits that are heard where nobody dialled: in the recording as it is. What are the limits
 // worth? Each alone, and all but this one.
 void tellTalkOff(const demo::Recording &recording, const Timing &timing, demo::Section &section)
@@ -381,7 +386,8 @@ void tellTalkOff(const demo::Recording &recording, const Timing &timing, demo::S
             return keyOf(block, limits) != '\0';
         });
         const std::string digits = keysOf(decoded(heard, limits));
-        return demo::format("%d blocks, %zu digits", static_cast<int>(blocks), digits.size()) +
+        return counted(static_cast<std::size_t>(blocks), "block") + ", " +
+               counted(digits.size(), "digit") +
                (digits.empty() || digits.size() > 20 ? "" : ": " + digits);
     };
     section.table({
