@@ -62,8 +62,8 @@ void registerComparisons()
         "measured 5.7 to 5.8 a sample, with one part or with two.";
     const char *fused = "A fused product and sum rounds once and is one operation to wait for, "
                         "not two; its bits are those of some machines alone.";
-    limit("Goertzel, real; loop with fused operations", 1.6, fused);
-    limit("Goertzel, complex; loop with fused operations", 1.6, fused);
+    limit("Goertzel, real; loop with fused operations", 1.3, fused);
+    limit("Goertzel, complex; loop with fused operations", 1.3, fused);
     limit("Goertzel, real", 1.0, chain);
     limit("Goertzel, complex", 1.0, chain);
     for (int n : {64, 205, 1024, 65536})

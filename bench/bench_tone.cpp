@@ -42,8 +42,8 @@ void registerComparisons()
         "cycles, measured 5.8 to 6.0 a sample, with one part or with two.";
     const char *fused = "A fused product and difference rounds once and is one operation to wait "
                         "for, not two; its bits are those of some machines alone.";
-    limit("tone, real; loop with fused operations", 1.6, fused);
-    limit("tone, complex; loop with fused operations", 1.6, fused);
+    limit("tone, real; loop with fused operations", 1.1, fused);
+    limit("tone, complex; loop with fused operations", 1.1, fused);
     limit("tone, real; sine per sample", 0.2, chain);
     limit("tone, complex; sine and cosine per sample", 0.2, chain);
     limit("tone, real", 1.0, chain);

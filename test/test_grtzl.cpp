@@ -83,7 +83,7 @@ State filled(int byte)
 template <typename State>
 bool sameRecord(const State &a, const State &b)
 {
-    return std::memcmp(&a, &b, sizeof a) == 0;
+    return std::memcmp(static_cast<const void *>(&a), static_cast<const void *>(&b), sizeof a) == 0;
 }
 
 template <typename Form>
@@ -423,6 +423,7 @@ TEST(GoertzelComplex, FormTellsAFrequencyFromItsMirrorImage)
 {
     Reports reports;
     std::vector<ZCplx> x;
+    x.reserve(64);
     for (int m = 0; m < 64; ++m)
         x.push_back(
             {std::cos(6.283185307179586 * 5 * m / 64), std::sin(6.283185307179586 * 5 * m / 64)});

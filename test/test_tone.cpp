@@ -77,7 +77,7 @@ State filled(int byte)
 template <typename State>
 bool sameRecord(const State &a, const State &b)
 {
-    return std::memcmp(&a, &b, sizeof a) == 0;
+    return std::memcmp(static_cast<const void *>(&a), static_cast<const void *>(&b), sizeof a) == 0;
 }
 
 template <typename Form>
@@ -286,6 +286,7 @@ TYPED_TEST(Tone, SamplesHaveTheBitsOfTheStepsOneByOneAndInBlocksOfEveryLength)
                 Guarded<typename TypeParam::Sample> samples(n, n % 4);
                 TypeParam::block(&byBlock, samples.data(), n);
                 std::vector<typename TypeParam::Sample> single;
+                single.reserve(static_cast<std::size_t>(n));
                 for (int i = 0; i < n; ++i)
                     single.push_back(TypeParam::next(&byOne));
                 for (int part = 0; part < TypeParam::parts; ++part) {

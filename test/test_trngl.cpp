@@ -83,7 +83,7 @@ State filled(int byte)
 template <typename State>
 bool sameRecord(const State &a, const State &b)
 {
-    return std::memcmp(&a, &b, sizeof a) == 0;
+    return std::memcmp(static_cast<const void *>(&a), static_cast<const void *>(&b), sizeof a) == 0;
 }
 
 template <typename Form>
@@ -465,7 +465,10 @@ TYPED_TEST(Triangle, StepsThatRoundToEvenAddUpOneByOne)
     for (double step : {0x1p-10 + 0x1p-54, 0x1p-10 + 0x3p-55, 0x1p-11 + 0x1p-53, 0x3p-13 + 0x1p-54,
                         0x1.0000000000001p-10, 0x1.fffffffffffffp-11, 0x1p-54, 0x3p-55, 0x1p-53,
                         0x1p-60, 0x1.8p-12 + 0x1p-55}) {
-        for (double start : {1.0, -1.0, 0.75, 0.5 + 0x1p-53, 0.0, -0.3, 0x1p-10}) {
+        // The last two reach 1/2 with their first step, where doubles begin to stand apart
+        // twice as far: one of them at an odd multiple.
+        for (double start : {1.0, -1.0, 0.75, 0.5 + 0x1p-53, 0.0, -0.3, 0x1p-10,
+                             0.5 - 0x1p-11 + 0x1p-54, 0.5 - 0x1p-11 + 0x3p-54}) {
             for (double sign : {1.0, -1.0}) {
                 auto state = ready<TypeParam>(0.001, 0.0, 1.0, 0.0);
                 state.stepDown = -step;
@@ -599,6 +602,25 @@ TYPED_TEST(Triangle, StartsAtTheTopAndFallsAndAtTheBottomAndRises)
         EXPECT_EQ(TypeParam::part(TypeParam::next(&state), 0), -1.0);
         EXPECT_GT(TypeParam::part(TypeParam::next(&state), 0), -1.0);
         EXPECT_GT(*TypeParam::step(state, 0), 0.0);
+    }
+}
+
+// A step of 0 counts as falling: the turning point ahead is the lower one.
+TYPED_TEST(Triangle, AStandingValueIsFoldedAtTheBottomAlone)
+{
+    Reports reports;
+    for (double start : {-1.25, 1.25}) {
+        for (double step : {0.0, -0.0}) {
+            auto state = ready<TypeParam>(0.01, 0.0, 1.0, 0.0);
+            for (int part = 0; part < TypeParam::parts; ++part) {
+                *TypeParam::step(state, part) = step;
+                *TypeParam::value(state, part) = start;
+            }
+            expectBlocks<TypeParam>(state, {1, 5, 40});
+            std::vector<typename TypeParam::Sample> samples(2);
+            TypeParam::block(&state, samples.data(), 2);
+            EXPECT_EQ(TypeParam::part(samples[1], 0), start < 0.0 ? -0.75 : start);
+        }
     }
 }
 

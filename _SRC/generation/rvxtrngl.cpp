@@ -225,7 +225,7 @@ RVX_INLINE int stride(double *samps, int room, const rvxdTrnglState &shape, Walk
     const double end = walk->rising ? std::min(edge, shape.mag) : std::max(edge, -shape.mag);
     // One less than fit does fit, whichever way the quotient was rounded.
     const double fitting = (end - first) / rise - 1.0;
-    if (!(fitting >= 16.0) || room < 17)
+    if (!(fitting >= 16.0))
         return 0;
     const int groups = (fitting < room ? static_cast<int>(fitting) : room - 1) / 8;
 
