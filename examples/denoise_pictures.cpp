@@ -254,7 +254,7 @@ void drawParts(const Example &e, demo::Section &section)
                  columns);
 
     std::string script = std::string(styles) + window() + R"(
-set yrange [-1.15:1.15]
+set yrange [-1.15:1.6]
 set ytics 1
 set ylabel 'mV'
 set key top left horizontal Left reverse samplen 1.5
