@@ -884,19 +884,19 @@ enum {
  * filters of its own, of any length and offset, or for a length that is no power of
  * two. */
 typedef struct rvxWtState {
-    int core;                  /* 2 in a live state */
-    int wtType;                /* RVX_WT_... */
-    int wtKind;                /* 1 orthogonal, 2 biorthogonal; not read */
-    int par1;                  /* as passed, also where it is ignored */
-    int par2;                  /* likewise */
-    int dataOrder;             /* base-2 logarithm of the length; not read */
-    int level;                 /* number of levels, 0 or more */
-    int len_filt[4];           /* taps of each filter */
-    int ofs_filt[4];           /* offset of each filter */
-    const double *tap_filt[4]; /* the taps; those of the library are constants */
-    double *workBuf;           /* lenLevel[0] + 2 * (largest of len_filt) doubles */
-    int len_dec;               /* number of coefficients */
-    int lenLevel[33];          /* n(0), the signal's length, to n(level), and zeros */
+    int core;            /* 2 in a live state */
+    int wtType;          /* RVX_WT_... */
+    int wtKind;          /* 1 orthogonal, 2 biorthogonal; not read */
+    int par1;            /* as passed, also where it is ignored */
+    int par2;            /* likewise */
+    int dataOrder;       /* base-2 logarithm of the length; not read */
+    int level;           /* number of levels, 0 or more */
+    int len_filt[4];     /* taps of each filter */
+    int ofs_filt[4];     /* offset of each filter */
+    double *tap_filt[4]; /* the taps; the library's own are constants: read only */
+    double *workBuf;     /* lenLevel[0] + 2 * (largest of len_filt) doubles */
+    int len_dec;         /* number of coefficients */
+    int lenLevel[33];    /* n(0), the signal's length, to n(level), and zeros */
 } rvxWtState;
 
 /* Makes *wtState a state for signals of 2^dataOrder samples. What it held before is

@@ -38,7 +38,7 @@ void setBank(const RvxWtBank &bank, rvxWtState *state)
     for (int f = 0; f < 4; ++f) {
         state->len_filt[f] = bank.len[f];
         state->ofs_filt[f] = bank.ofs[f];
-        state->tap_filt[f] = bank.tap[f];
+        state->tap_filt[f] = const_cast<double *>(bank.tap[f]); // a caller's own may change
     }
 }
 
