@@ -15,8 +15,9 @@
  * and returns. Each thread starts in error mode 0, in which a failed check ends
  * the process with exit code 1: call rvxSetErrMode(1) first in every thread that
  * wants to see statuses. Success does not clear a status; clear it with
- * rvxSetErrStatus(0). Each function's entry lists its checks in the order in
- * which they are made.
+ * rvxSetErrStatus(0). (Wavelets, and number conversions that take flags, clear it
+ * themselves as they begin.) Each function's entry lists its checks in the order
+ * in which they are made.
  *
  * Threads. Nothing is shared between threads. A record or an array is worked on
  * by one thread at a time.
