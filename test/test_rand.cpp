@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "generation/rvxrand.h"
+#include "generation/rvxrand_words.h"
 #include "reference/noise.h"
 #include "rvx.h"
 #include "support/bits.h"
@@ -175,6 +176,57 @@ TEST(UniformNoise, IsTheSequenceOfASecondWritingFromAnyRecord)
                     }
                     expectWords(state, right);
                 }
+}
+
+// The processor's carry on one kind of machine, arithmetic on all others.
+TEST(NoiseWords, AreTheSameInEitherWritingOfARun)
+{
+    const unsigned words[] = {0,          1,          2,          17,         18,        19,
+                              0x7fffffee, 0x7fffffff, 0x80000000, 0x80000001, 0xffffffff};
+    const auto expectSameRuns = [](const RandWords &from) {
+        BorrowChain chain = beginChain(from), plain = chain;
+        for (int run = 0; run < 3; ++run) {
+            Guarded<std::uint32_t> drawn(wordRun, 1), right(wordRun, 1);
+            drawRun(chain, drawn.data());
+            drawRunPlainly(plain, right.data());
+            ASSERT_EQ(drawn.values(), right.values());
+            ASSERT_TRUE(drawn.intact());
+            ASSERT_EQ(chain.a, plain.a);
+            ASSERT_EQ(chain.b, plain.b);
+            ASSERT_EQ(chain.c, plain.c);
+            ASSERT_EQ(chain.borrow, plain.borrow);
+        }
+    };
+    for (unsigned carry : {0U, 1U})
+        for (unsigned x1 : words)
+            for (unsigned x2 : words)
+                for (unsigned x3 : words)
+                    expectSameRuns({0, carry, x1, x2, x3});
+    for (double seed : seeds()) {
+        const rvxRandUniState state = uniform(seed);
+        expectSameRuns(takeWords(state));
+    }
+}
+
+// From a record, the same words as one by one, and the record as that leaves it.
+TEST(NoiseWords, OfAPlainRunAreThoseOfThePlainSequence)
+{
+    for (double seed : seeds()) {
+        reference::Uniform right(seed, -1.0, 1.0);
+        rvxRandUniState state = uniform(seed, -1.0, 1.0);
+        RandWords words = takeWords(state);
+        BorrowChain chain = beginChain(words);
+        std::uint32_t drawn[wordRun];
+        drawRunPlainly(chain, drawn);
+        for (std::uint32_t word : drawn) {
+            right.next();
+            ASSERT_EQ(word + 1, right.x1);
+        }
+        endChain(chain, words);
+        words.cong = static_cast<std::uint32_t>(right.cong);
+        giveWords(words, state);
+        expectWords(state, right);
+    }
 }
 
 // A record that a caller has filled.

@@ -82,9 +82,18 @@ RVX_INLINE void endChain(const BorrowChain &chain, RandWords &words)
 }
 
 // wordRun values of the sequence without the congruential one, each less 1.
+RVX_INLINE void drawRunPlainly(BorrowChain &chain, std::uint32_t *drawn)
+{
+    RandWords words = {};
+    endChain(chain, words);
+    for (int i = 0; i < wordRun; ++i)
+        drawn[i] = nextBorrowed(words) - 1;
+    chain = beginChain(words);
+}
+
 #if defined(__x86_64__)
 
-// Two cycles a word instead of four, through the processor's carry: z = b - c - carry is
+// The same. Two cycles a word instead of four, through the processor's carry: z = b - c - carry is
 // the difference less 1, and the difference is at most 0 where z is above 2^31 - 2
 // without a sign. After a step the registers have changed parts: b's holds the new value,
 // a's the one before, the free one's the oldest.
@@ -121,11 +130,7 @@ RVX_INLINE void drawRun(BorrowChain &chain, std::uint32_t *drawn)
 
 RVX_INLINE void drawRun(BorrowChain &chain, std::uint32_t *drawn)
 {
-    RandWords words = {};
-    endChain(chain, words);
-    for (int i = 0; i < wordRun; ++i)
-        drawn[i] = nextBorrowed(words) - 1;
-    chain = beginChain(words);
+    drawRunPlainly(chain, drawn);
 }
 
 #endif

@@ -1,6 +1,7 @@
 // rvxwlt: wavelet transforms by two-channel filter banks, periodic at every level: state
 // records and the checks before each transform. The banks are in rvxwlt_banks, the
-// levels in rvxwlt_levels, what one level does in rvxwlt_filters and rvxwlt_haar.
+// levels in rvxwlt_levels, what one level does in rvxwlt_split, rvxwlt_join and
+// rvxwlt_haar.
 //
 // S. Mallat, A theory for multiresolution signal decomposition, 1989.
 
