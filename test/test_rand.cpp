@@ -17,6 +17,7 @@
 #include "support/guarded.h"
 #include "support/noise_records.h"
 #include "support/reports.h"
+#include "support/walled.h"
 
 namespace {
 
@@ -445,4 +446,19 @@ TEST(NoiseDeathTest, AFailedCheckEndsTheProcessInModeZero)
     EXPECT_EXIT(rvxdbRandUni(nullptr, &sample, 1), testing::ExitedWithCode(1), "");
     EXPECT_EXIT(rvxdbRandGaus(nullptr, &sample, 1), testing::ExitedWithCode(1), "");
     EXPECT_EXIT(rvxdRandGausInit(0.0, 0.0, 1.0, nullptr), testing::ExitedWithCode(1), "");
+}
+
+// A block that is as long as said does not end before the wall behind a short array.
+TEST(NoiseDeathTest, LengthsCountWithoutASignAndPastThirtyTwoBits)
+{
+    Walled<ZCplx> cplx(std::vector<ZCplx>(100), Wall::behind);
+    double *real = &cplx.data()->re;
+    rvxRandUniState uni = uniform(1.0);
+    rvxRandGausState gaus = gaussian(1.0);
+    for (unsigned n : {0x80000000U, 0xffffffffU}) {
+        EXPECT_DEATH(rvxdbRandUni(&uni, real, n), "");
+        EXPECT_DEATH(rvxzbRandUni(&uni, cplx.data(), n), "");
+        EXPECT_DEATH(rvxdbRandGaus(&gaus, real, n), "");
+        EXPECT_DEATH(rvxzbRandGaus(&gaus, cplx.data(), n), "");
+    }
 }

@@ -451,3 +451,59 @@ TEST(WaveletBanks, StandWhereTheyAreStated)
             EXPECT_EQ(bank.state.ofs_filt[f], stated.ofs[f]) << stated.which << ", filter " << f;
     }
 }
+
+// Every digit counts: the bits of tap n, n + 1 times, add up to what those of the
+// tables do, modulo 2^64. The other filters follow, as tested above.
+TEST(WaveletBanks, HaveTheTabulatedTapsToTheLastDigit)
+{
+    struct Tabulated {
+        WaveletBank which;
+        int filter;
+        std::uint64_t sum;
+    };
+    const Tabulated all[] = {
+        {{RVX_WT_HAAR, 0, 0}, 0, 0xbfa0000000000000},
+        {{RVX_WT_DAUBECHIES, 1, 0}, 0, 0xbfa0000000000000},
+        {{RVX_WT_DAUBECHIES, 2, 0}, 0, 0x7dc646e17211cc01},
+        {{RVX_WT_DAUBECHIES, 3, 0}, 0, 0xb9f686107fc0d12e},
+        {{RVX_WT_DAUBECHIES, 4, 0}, 0, 0x72d2bff6a64734a1},
+        {{RVX_WT_DAUBECHIES, 5, 0}, 0, 0xa91d2c2271f493ad},
+        {{RVX_WT_DAUBECHIES, 6, 0}, 0, 0x5b6ecd49d224a7fa},
+        {{RVX_WT_DAUBECHIES, 7, 0}, 0, 0x8b5437015e51b328},
+        {{RVX_WT_DAUBECHIES, 8, 0}, 0, 0x3291bb33de04cd8d},
+        {{RVX_WT_DAUBECHIES, 9, 0}, 0, 0xd9796ab65202b399},
+        {{RVX_WT_DAUBECHIES, 10, 0}, 0, 0x7f24e70509f6ba77},
+        {{RVX_WT_SYMLET, 1, 0}, 0, 0xf44fa275afdf4820},
+        {{RVX_WT_SYMLET, 2, 0}, 0, 0xad5de836ef6b3d29},
+        {{RVX_WT_SYMLET, 3, 0}, 0, 0x60dc1dbb60986b14},
+        {{RVX_WT_SYMLET, 4, 0}, 0, 0x19b94d7de12f8ac6},
+        {{RVX_WT_SYMLET, 5, 0}, 0, 0xc56380dcd1109c41},
+        {{RVX_WT_SYMLET, 6, 0}, 0, 0xeeedd4588afcf430},
+        {{RVX_WT_SYMLET, 7, 0}, 0, 0x12a99cc48b5ba7a9},
+        {{RVX_WT_COIFLET, 1, 0}, 0, 0xbb7b1734f515cdb5},
+        {{RVX_WT_COIFLET, 2, 0}, 0, 0xdc6b8a5529c7299d},
+        {{RVX_WT_COIFLET, 3, 0}, 0, 0xdc85d5211a5f086c},
+        {{RVX_WT_COIFLET, 4, 0}, 0, 0x3012337bd6cb22ef},
+        {{RVX_WT_COIFLET, 5, 0}, 0, 0xcd8ef994b42d6af2},
+        {{RVX_WT_VAIDYANATHAN, 0, 0}, 0, 0x9d0d53338ba75104},
+        {{RVX_WT_BSPLINE, 1, 1}, 2, 0xbfd0000000000000},
+        {{RVX_WT_BSPLINE, 1, 3}, 2, 0xbc10000000000000},
+        {{RVX_WT_BSPLINE, 1, 5}, 2, 0xb164000000000000},
+        {{RVX_WT_BSPLINE, 2, 2}, 2, 0xbe08000000000000},
+        {{RVX_WT_BSPLINE, 2, 4}, 2, 0x368e800000000000},
+        {{RVX_WT_BSPLINE, 2, 6}, 2, 0xa732200000000000},
+        {{RVX_WT_BSPLINE, 2, 8}, 2, 0x0da1c28000000000},
+        {{RVX_WT_BSPLINE, 3, 1}, 2, 0xff38000000000000},
+        {{RVX_WT_BSPLINE, 3, 3}, 2, 0xf9b0800000000000},
+        {{RVX_WT_BSPLINE, 3, 5}, 2, 0xec5aa00000000000},
+        {{RVX_WT_BSPLINE, 3, 7}, 2, 0xd406fa8000000000},
+        {{RVX_WT_BSPLINE, 3, 9}, 2, 0x2b0f59e000000000},
+    };
+    for (const Tabulated &known : all) {
+        const Bank bank(known.which);
+        std::uint64_t sum = 0;
+        for (int n = 0; n < bank.state.len_filt[known.filter]; ++n)
+            sum += static_cast<std::uint64_t>(n + 1) * bitsOf(bank.state.tap_filt[known.filter][n]);
+        EXPECT_EQ(sum, known.sum) << known.which;
+    }
+}

@@ -402,7 +402,8 @@ TEST(WaveletByHand, FiltersOfAnyLengthAreHonoured)
 TEST(WaveletByHand, FiltersOfFourLengthsAndAnyOffsetAreHonoured)
 {
     const std::vector<std::vector<int>> lens = {
-        {1, 2, 3, 4}, {9, 3, 2, 8}, {5, 5, 1, 1}, {4, 9, 30, 7}, {1024, 3, 2, 1024}};
+        {1, 2, 3, 4},       {9, 3, 2, 8},    {5, 5, 1, 1},    {4, 9, 30, 7},
+        {1024, 3, 2, 1024}, {3, 2000, 2, 4}, {4, 1, 5, 2500}, {1, 4, 2500, 3}};
     const std::vector<std::vector<int>> ofs = {{0, 0, 0, 0},
                                                {3, 1, 0, 2},
                                                {-3, 5, -1, 9},
@@ -424,4 +425,51 @@ TEST(WaveletByHand, FiltersWithoutTapsGiveZeros)
 {
     HandMade made({0, 0, 0, 0}, {0, 1, 0, 1}, 9, 1);
     expectBothWays(made, "no taps");
+}
+
+// Only the parameters that have a Haar bank go without filters.
+TEST(WaveletByHand, ParametersThatAreNoneGoByTheFilters)
+{
+    const WaveletBank near[] = {
+        {RVX_WT_DAUBECHIES, 0, 1},
+        {RVX_WT_DAUBECHIES, 2, 1},
+        {RVX_WT_SYMLET, 1, 1},
+        {RVX_WT_BSPLINE, 0, 1},
+        {RVX_WT_BSPLINE, 1, 0},
+        {RVX_WT_BSPLINE, 1, 2},
+        {RVX_WT_BSPLINE, 2, 1},
+        {RVX_WT_BSPLINE_DUAL, 1, 3},
+        {RVX_WT_LINEAR_SPLINE, 1, 1},
+        {RVX_WT_COIFLET, 1, 1},
+        {0, 1, 1},
+        {10, 1, 1},
+    };
+    for (const WaveletBank &bank : near)
+        for (int len : {2, 7, 40}) {
+            HandMade made({3, 4, 5, 2}, {1, 0, 2, 1}, len, 2);
+            made.state.wtType = bank.wtType;
+            made.state.par1 = bank.par1;
+            made.state.par2 = bank.par2;
+            expectBothWays(made, ::testing::PrintToString(len) + " samples");
+        }
+}
+
+// Nothing but -0.0 sums to +0.0, in vectors and one by one, as sums start from +0.0.
+TEST(WaveletByHand, NegativeZerosSumToZero)
+{
+    for (int taps : {3, 1100}) {
+        HandMade made({taps, taps, taps, taps}, {1, 1, 1, 1}, 50, 1);
+        const std::vector<double> ones(static_cast<std::size_t>(taps), 1.0);
+        for (const double *&filter : made.state.tap_filt)
+            filter = ones.data();
+        const std::vector<double> x(50, -0.0);
+        std::vector<double> y(50, -1.0);
+        rvxdWtDecompose(&made.state, x.data(), y.data());
+        for (double value : y)
+            EXPECT_EQ(bitsOf(value), 0U) << taps;
+        y.assign(50, -1.0);
+        rvxdWtReconstruct(&made.state, x.data(), y.data());
+        for (double value : y)
+            EXPECT_EQ(bitsOf(value), 0U) << taps;
+    }
 }
