@@ -459,8 +459,8 @@ TEST(WaveletByHand, NegativeZerosSumToZero)
 {
     for (int taps : {3, 1100}) {
         HandMade made({taps, taps, taps, taps}, {1, 1, 1, 1}, 50, 1);
-        const std::vector<double> ones(static_cast<std::size_t>(taps), 1.0);
-        for (const double *&filter : made.state.tap_filt)
+        std::vector<double> ones(static_cast<std::size_t>(taps), 1.0);
+        for (double *&filter : made.state.tap_filt)
             filter = ones.data();
         const std::vector<double> x(50, -0.0);
         std::vector<double> y(50, -1.0);
