@@ -6,6 +6,7 @@
 // on slow slopes: there many values are known at once.
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 
@@ -223,8 +224,10 @@ RVX_INLINE int stride(double *samps, int room, const rvxdTrnglState &shape, Walk
     const double nearZero = fromBits(bits & signAndPower);
     const double edge = (second > 0.0) == walk->rising ? nearZero + nearZero : nearZero;
     const double end = walk->rising ? std::min(edge, shape.mag) : std::max(edge, -shape.mag);
+    // A rise of zero has no sign of its own: the way ahead has the walk's.
+    const double ahead = walk->rising ? end - first : first - end;
     // One less than fit does fit, whichever way the quotient was rounded.
-    const double fitting = (end - first) / rise - 1.0;
+    const double fitting = ahead / std::fabs(rise) - 1.0;
     if (!(fitting >= 16.0))
         return 0;
     const int groups = (fitting < room ? static_cast<int>(fitting) : room - 1) / 8;
