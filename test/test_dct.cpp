@@ -224,6 +224,13 @@ TEST_F(Dct, ShortLinesKeepZerosAndSpreadWhatIsNotFinite)
         }
 }
 
+TEST_F(Dct, ASingleSampleStaysAsItIs)
+{
+    for (double x : {1.5, 0.0, -0.0, 5e-324, -1e308, INF, -INF})
+        for (int flags : directions)
+            EXPECT_EQ(bitsOf(transformed({x}, flags)[0]), bitsOf(x)) << x << ", flags " << flags;
+}
+
 TEST_F(Dct, ResultsAreTheStatedSumsBitByBit)
 {
     const Temper tempers[] = {Temper::uniform, Temper::wideRange, Temper::subnormal,

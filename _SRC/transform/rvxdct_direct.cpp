@@ -304,11 +304,12 @@ RVX_KERNEL void scaleFromSecond(double *copy, Index L, double scale)
         copy[k] *= scale;
 }
 
-// Every fourth element from `first` on.
-double sumOfFourths(const double *copy, Index first, Index L)
+// Every step-th element from `first` on. A single one stays what it is, a zero of either
+// sign included.
+double sumOfEvery(Index step, const double *copy, Index first, Index L)
 {
-    double sum = 0.0;
-    for (Index i = first; i < L; i += 4)
+    double sum = first < L ? copy[first] : 0.0;
+    for (Index i = first + step; i < L; i += step)
         sum += copy[i];
     return sum;
 }
@@ -343,9 +344,7 @@ void rvxDctSpreadCosines(double *t, std::int64_t L)
 
 void rvxDctDirectForward(double *copy, double *dst, std::int64_t L, const RvxDctCosines &cosines)
 {
-    double all = 0.0;
-    for (Index n = 0; n < L; ++n)
-        all += copy[n];
+    const double all = sumOfEvery(1, copy, 0, L);
     foldMirrored(copy, L);
     const double scale = cosines.scale * RVX_ROOT_OF_TWO;
     if (L <= RVX_LAID_OUT_LEN)
@@ -364,5 +363,5 @@ void rvxDctDirectInverse(double *copy, double *dst, std::int64_t L, const RvxDct
     else
         inverseByCollecting(copy, dst, L, halvesBehind(cosines.t, L));
     if (L % 2 != 0)
-        dst[L / 2] = sumOfFourths(copy, 0, L) - sumOfFourths(copy, 2, L);
+        dst[L / 2] = sumOfEvery(4, copy, 0, L) - sumOfEvery(4, copy, 2, L);
 }

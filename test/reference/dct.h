@@ -196,7 +196,8 @@ inline Reals summedForward(const Reals &x)
     const Size L = x.size(), h = L / 2;
     const Reals t = cosineTable(L);
     Reals y(L);
-    for (Size n = 0; n < L; ++n)
+    y[0] = x[0];
+    for (Size n = 1; n < L; ++n)
         y[0] += x[n];
     for (Size k = 1; k < L; ++k) {
         const double middle = L % 2 == 0 ? 0.0 : x[h];
@@ -218,8 +219,8 @@ inline Reals summedInverse(Reals y)
     Reals x(L);
     scale(y);
     if (L % 2 != 0) {
-        double plus = 0.0, minus = 0.0;
-        for (Size k = 0; k < L; k += 2)
+        double plus = y[0], minus = L > 2 ? y[2] : 0.0;
+        for (Size k = 4; k < L; k += 2)
             (k % 4 == 0 ? plus : minus) += y[k];
         x[h] = plus - minus;
     }
