@@ -3,6 +3,7 @@
 #include <climits>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <vector>
 
@@ -482,6 +483,38 @@ TYPED_TEST(Triangle, StepsThatRoundToEvenAddUpOneByOne)
                 expectBlocks<TypeParam>(state, {3000, 999, 2000});
             }
         }
+    }
+}
+
+// Nothing marks a record that an initialiser filled, so that all steps are as stated
+// whatever its fields hold.
+TYPED_TEST(Triangle, RecordsWrittenByHandTakeTheSameSteps)
+{
+    Reports reports;
+    using State = typename TypeParam::State;
+    const double odd[] = {0.0,   -0.0,   1.0,    -1.0, 1.5,  -1.5,  1e-3,   -1e-3,
+                          1e-20, -1e-20, 5e-324, INF,  -INF, QUIET, 1e+308, 0x1p-10 + 0x3p-55};
+    std::uint32_t dice = 1;
+    const auto below = [&dice](std::size_t n) {
+        dice = dice * 1664525u + 1013904223u;
+        return (dice >> 16) % n;
+    };
+    for (int i = 0; i < 4000; ++i) {
+        State state = ready<TypeParam>(i % 3 == 0 ? 0.2 : 0.001, 2.0, 1.0, 0.5);
+        double fields[sizeof(State) / sizeof(double)];
+        std::memcpy(fields, &state, sizeof state);
+        for (int k = 0; k <= i % 4; ++k)
+            fields[below(sizeof(State) / sizeof(double))] = odd[below(sizeof odd / sizeof odd[0])];
+        std::memcpy(&state, fields, sizeof state);
+        SCOPED_TRACE(i);
+        if (i % 64 == 1) // no slope goes the way of its name
+            state.stepDown = -state.stepDown;
+        if (i % 64 == 33)
+            state.stepUp = -state.stepUp;
+        if (i % 32 == 1)
+            expectBlocks<TypeParam>(state, {3000});
+        expectSingles<TypeParam>(state, 20);
+        expectBlocks<TypeParam>(state, {150, 7, 60});
     }
 }
 
