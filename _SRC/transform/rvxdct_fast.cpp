@@ -264,12 +264,11 @@ RVX_INLINE void series8(const double *in, double *out)
 // ---- the inverse's even and odd elements ------------------------------------------
 
 // The even elements of m and the odd ones times secants; all times `scale` first, the
-// very first element times `firstScale`. `even` may be x.
+// very first element times `firstScale`.
 template <bool scaled>
 RVX_INLINE void splitByParity(const double *x, double *even, double *odd, Index m,
                               const double *secants, double firstScale, double scale)
 {
-    const double first = x[0];
     for (Index i = 0; i < m / 2; i += 4) {
         Lanes low = loadLanes(x + 2 * i), high = loadLanes(x + 2 * i + 4);
         if (scaled) {
@@ -280,7 +279,7 @@ RVX_INLINE void splitByParity(const double *x, double *even, double *odd, Index 
         storeLanes(odd + i, oddElements(low, high) * loadLanes(secants + i));
     }
     if (scaled)
-        even[0] = first * firstScale;
+        even[0] = x[0] * firstScale;
 }
 
 RVX_KERNEL void splitScaledByParity(const double *x, double *even, double *odd, Index m,

@@ -65,7 +65,8 @@ inline double secant(Size n, Size m)
         0.5L / std::cos(static_cast<long double>(2 * n + 1) * static_cast<long double>(step)));
 }
 
-inline Reals sums8(const Reals &x)
+// The first result times `first` and the others times `scale`, as parts of the last factors.
+inline Reals sums8(const Reals &x, double first = 1.0, double scale = 1.0)
 {
     const double r = 0.7071067811865476, c = 0.9238795325112867, s = 0.3826834323650898;
     Reals a(4), b(4), y(8);
@@ -73,28 +74,30 @@ inline Reals sums8(const Reals &x)
         a[n] = x[n] + x[7 - n];
         b[n] = x[n] - x[7 - n];
     }
-    y[0] = (a[0] + a[3]) + (a[1] + a[2]);
-    y[4] = ((a[0] + a[3]) - (a[1] + a[2])) * r;
-    y[2] = (a[0] - a[3]) * c + (a[1] - a[2]) * s;
-    y[6] = (a[0] - a[3]) * s - (a[1] - a[2]) * c;
+    y[0] = ((a[0] + a[3]) + (a[1] + a[2])) * first;
+    y[4] = ((a[0] + a[3]) - (a[1] + a[2])) * (r * scale);
+    y[2] = (a[0] - a[3]) * (c * scale) + (a[1] - a[2]) * (s * scale);
+    y[6] = (a[0] - a[3]) * (s * scale) - (a[1] - a[2]) * (c * scale);
     const double second = (b[1] + b[2]) * r;
     const double slow = (b[0] + b[1]) * c + (b[2] + b[3]) * s;
     const double fast = (b[0] + b[1]) * s - (b[2] + b[3]) * c;
-    y[1] = ((b[0] + second) + slow) * 0.5097955791041592;
-    y[3] = ((b[0] - second) + fast) * 0.6013448869350453;
-    y[5] = ((b[0] - second) - fast) * 0.8999762231364157;
-    y[7] = ((b[0] + second) - slow) * 2.5629154477415064;
+    y[1] = ((b[0] + second) + slow) * (0.5097955791041592 * scale);
+    y[3] = ((b[0] - second) + fast) * (0.6013448869350453 * scale);
+    y[5] = ((b[0] - second) - fast) * (0.8999762231364157 * scale);
+    y[7] = ((b[0] + second) - slow) * (2.5629154477415064 * scale);
     return y;
 }
 
-inline Reals series8(const Reals &y)
+inline Reals series8(const Reals &y, double first = 1.0, double scale = 1.0)
 {
     const double r = 0.7071067811865476, c = 0.9238795325112867, s = 0.3826834323650898;
-    const double p = y[2] * c + y[6] * s, q = y[2] * s - y[6] * c;
-    const double sum = y[0] + y[4] * r, difference = y[0] - y[4] * r;
+    const double cs = c * scale, ss = s * scale;
+    const double p = y[2] * cs + y[6] * ss, q = y[2] * ss - y[6] * cs;
+    const double level = y[0] * first, middle = y[4] * (r * scale);
+    const double sum = level + middle, difference = level - middle;
     const Reals a = {sum + p, difference + q, difference - q, sum - p};
-    const double g1 = y[1] * 0.5097955791041592, g3 = y[3] * 0.6013448869350453;
-    const double g5 = y[5] * 0.8999762231364157, g7 = y[7] * 2.5629154477415064;
+    const double g1 = y[1] * (0.5097955791041592 * scale), g3 = y[3] * (0.6013448869350453 * scale);
+    const double g5 = y[5] * (0.8999762231364157 * scale), g7 = y[7] * (2.5629154477415064 * scale);
     const double u0 = (g1 + g7) + (g3 + g5), u1 = (g1 - g7) * c + (g3 - g5) * s;
     const double u2 = ((g1 + g7) - (g3 + g5)) * r, u3 = (g1 - g7) * s - (g3 - g5) * c;
     const Reals b = {u0 + u1, u1 + u2, u2 + u3, u3};
@@ -179,6 +182,30 @@ inline Reals halvedInverse(Reals y)
     return typeThree(y);
 }
 
+// Lengths of 8, 4 and 2: straight lines with the scale in their factors.
+inline Reals shortForward(const Reals &x)
+{
+    if (x.size() == 8)
+        return sums8(x, 0.35355339059327376, 0.5);
+    if (x.size() == 2)
+        return {(x[0] + x[1]) * 0.7071067811865476, (x[0] - x[1]) * 0.7071067811865476};
+    const double c = 0.6532814824381883, s = 0.27059805007309845;
+    const double outer = x[0] + x[3], inner = x[1] + x[2], p = x[0] - x[3], q = x[1] - x[2];
+    return {(outer + inner) * 0.5, p * c + q * s, (outer - inner) * 0.5, p * s - q * c};
+}
+
+inline Reals shortInverse(const Reals &y)
+{
+    if (y.size() == 8)
+        return series8(y, 0.35355339059327376, 0.5);
+    if (y.size() == 2)
+        return shortForward(y);
+    const double c = 0.6532814824381883, s = 0.27059805007309845;
+    const double sum = (y[0] + y[2]) * 0.5, difference = (y[0] - y[2]) * 0.5;
+    const double p = y[1] * c + y[3] * s, q = y[1] * s - y[3] * c;
+    return {sum + p, difference + q, difference - q, sum - p};
+}
+
 // ---- any length: sums ----------------------------------------------------------
 
 inline Reals cosineTable(Size L)
@@ -193,6 +220,8 @@ inline Reals cosineTable(Size L)
 
 inline Reals summedForward(const Reals &x)
 {
+    if (x.empty())
+        return {};
     const Size L = x.size(), h = L / 2;
     const Reals t = cosineTable(L);
     Reals y(L);
@@ -214,6 +243,8 @@ inline Reals summedForward(const Reals &x)
 
 inline Reals summedInverse(Reals y)
 {
+    if (y.empty())
+        return {};
     const Size L = y.size(), h = L / 2;
     const Reals t = cosineTable(L);
     Reals x(L);
