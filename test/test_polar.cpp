@@ -1,4 +1,4 @@
-// Polar forms: angles, magnitudes, sines and cosines of blocks.
+// Polar forms: angles, sines and cosines of blocks, and magnitudes beside angles.
 
 #include <algorithm>
 #include <climits>
@@ -8,6 +8,7 @@
 #include "reference/correct.h"
 #include "support/arith_values.h"
 #include "support/float_environment.h"
+#include "support/polar_values.h"
 #include "support/reports.h"
 
 namespace {
@@ -25,20 +26,6 @@ constexpr int EXACT_PATTERNS = PATTERNS / 50;
 constexpr double CIRCLE_BOUND = 0.9;
 constexpr double ANGLE_BOUND = 0.85;
 
-// Every temper of a double: zeros, the ends of the ranges, where paths meet.
-const double parts[] = {0.0,        -0.0,
-                        1.0,        -1.0,
-                        3.0,        -0.5,
-                        INF,        -INF,
-                        QUIET,      -QUIET,
-                        TINY,       -TINY,
-                        1e-310,     0x1p-1022,
-                        HUGE_VALUE, -HUGE_VALUE,
-                        0x1p-500,   0x1.fffffffffffffp-501,
-                        0x1p500,    0x1.fffffffffffffp499,
-                        -1e-200,    1e200,
-                        -1e-20,     0.25};
-
 // |result - exact| in units in the last place, for what extended precision tells
 // within 0.002 of them.
 double roughUlps(double result, long double exact)
@@ -47,15 +34,6 @@ double roughUlps(double result, long double exact)
         return std::isnan(result) && std::isnan(exact) ? 0.0 : INF;
     const int exponent = exact == 0.0L ? -1022 : std::max(std::ilogb(exact), -1022);
     return static_cast<double>(std::fabs(std::ldexp(result - exact, 52 - exponent)));
-}
-
-// As a plain loop over the definition would have it, each operation rounded.
-double plainMagnitude(ZCplx z)
-{
-    volatile double im = z.im * z.im;
-    volatile double re = z.re * z.re;
-    volatile double sum = im + re;
-    return std::sqrt(sum);
 }
 
 bool isOnAxis(ZCplx z)
@@ -562,146 +540,4 @@ TEST(PolarForms, FloatingPointEnvironmentNeitherCountsNorChanges)
                 ASSERT_TRUE(same(phaseAlone[i], phaseOf(z))) << z.re << ", " << z.im;
             }
         });
-}
-
-// --- Magnitudes -------------------------------------------------------------------------
-
-namespace {
-
-constexpr int RUN = 128;
-
-// What rvxzbMag is to do: whole runs by way of the two other functions.
-std::vector<double> magnitudesByRuns(const std::vector<ZCplx> &src, std::vector<double> mag)
-{
-    const int length = static_cast<int>(src.size());
-    int i = 0;
-    for (; length > RUN && length - i >= RUN; i += RUN) {
-        double power[RUN];
-        rvxzbPowerSpectr(src.data() + i, power, RUN);
-        rvxdbSqrt2(power, mag.data() + i, RUN);
-    }
-    for (; i < length; ++i)
-        mag[static_cast<std::size_t>(i)] = plainMagnitude(src[static_cast<std::size_t>(i)]);
-    return mag;
-}
-
-const std::vector<Report> signFailure = {
-    {RVX_STATUS_BAD_ARGUMENT, "rvxdbSqrt2", "Element of input vector is negative", "rvxvec"}};
-
-} // namespace
-
-TEST(Magnitudes, OrdinaryValuesAreRoundedStepByStepAtEveryLength)
-{
-    for (int n = 1; n <= 400; ++n) {
-        const std::vector<ZCplx> points = cplxNumbers(n, 6);
-        std::vector<double> expected(points.size());
-        std::transform(points.begin(), points.end(), expected.begin(), plainMagnitude);
-        Guarded<ZCplx> src(points, n % 4);
-        Guarded<double> mag(n, n / 4 % 4);
-        rvxzbMag(src.data(), mag.data(), n);
-        expectBlock(mag, expected, "rvxzbMag");
-        expectBlock(src, points, "rvxzbMag");
-
-        std::vector<double> inPlace(static_cast<std::size_t>(2 * n));
-        std::memcpy(inPlace.data(), points.data(), points.size() * sizeof(ZCplx));
-        rvxzbMag(reinterpret_cast<ZCplx *>(inPlace.data()), inPlace.data(), n);
-        ASSERT_TRUE(std::equal(expected.begin(), expected.end(), inPlace.begin())) << n;
-    }
-}
-
-TEST(Magnitudes, SpecialValuesAsThePowerAndTheRootOfTheRunHaveThem)
-{
-    Reports reports;
-    for (int n : {1, 2, 3, 4, 5, 40, 127, 128, 129, 130, 131, 255, 256, 257, 300, 383, 384, 385})
-        for (double re : parts)
-            for (double im : {0.0, 1e-161, -1e200, 1e-154, 2.0, INF}) {
-                std::vector<ZCplx> src = cplxNumbers(n, 8);
-                for (int at : {0, 1, n / 3, n / 2, n - 3, n - 2, n - 1, 125, 126, 127, 254, 255})
-                    if (at >= 0 && at < n)
-                        src[static_cast<std::size_t>(at)] = {re, im};
-                const std::vector<double> begun(src.size(), -7.0);
-                const std::vector<double> expected = magnitudesByRuns(src, begun);
-                const std::vector<Report> expectedReports = reports.take();
-                Guarded<double> mag(begun, n % 4);
-                rvxzbMag(src.data(), mag.data(), n);
-                expectBlock(mag, expected, "rvxzbMag");
-                ASSERT_EQ(reports.take(), expectedReports) << re << ", " << im << ", " << n;
-            }
-}
-
-TEST(Magnitudes, AnOverflowIsFiniteInARunAndInfiniteElsewhere)
-{
-    const ZCplx huge{1e200, 1e200};
-    for (int n : {128, 129, 256, 260}) {
-        std::vector<ZCplx> src(static_cast<std::size_t>(n), huge);
-        std::vector<double> mag(src.size());
-        rvxzbMag(src.data(), mag.data(), n);
-        for (int i = 0; i < n; ++i) {
-            const bool isInRun = n > 128 && i < n / 128 * 128;
-            const bool isInTriple = isInRun && i % 128 < 126;
-            EXPECT_EQ(mag[static_cast<std::size_t>(i)], isInTriple ? 0x1p512 : INF)
-                << i << " of " << n;
-        }
-    }
-}
-
-TEST(Magnitudes, ASignedNanIsReportedByTheRootOncePerRun)
-{
-    Reports reports;
-    const ZCplx bad{-QUIET, 1.0};
-    ASSERT_TRUE(std::signbit(bad.re));
-    for (int at : {0, 5, 125, 126, 127}) {
-        const auto place = static_cast<std::size_t>(at);
-        std::vector<ZCplx> src = cplxNumbers(256, 9);
-        std::vector<double> mag(src.size(), -7.0);
-        src[place] = bad;
-        rvxSetErrStatus(RVX_STATUS_OK);
-        rvxzbMag(src.data(), mag.data(), 256);
-        EXPECT_EQ(reports.take(), signFailure) << at;
-        EXPECT_EQ(rvxGetErrStatus(), RVX_STATUS_BAD_ARGUMENT);
-        // The root leaves the last two of a run as they were.
-        if (at >= 126)
-            EXPECT_EQ(mag[place], -7.0);
-        else
-            EXPECT_TRUE(std::isfinite(mag[place]));
-        EXPECT_EQ(mag[200], plainMagnitude(src[200]));
-
-        src[place + 128] = bad;
-        rvxzbMag(src.data(), mag.data(), 256);
-        EXPECT_EQ(reports.take().size(), 2U) << at;
-        rvxzbMag(src.data(), mag.data(), 128);
-        EXPECT_TRUE(reports.take().empty()) << at;
-        EXPECT_TRUE(std::isnan(mag[place]));
-        src[place] = src[place + 128] = {QUIET, 1.0};
-        rvxzbMag(src.data(), mag.data(), 256);
-        EXPECT_TRUE(reports.take().empty()) << at;
-    }
-}
-
-TEST(Magnitudes, OfTwoNansTheImaginaryOneIsReportedByItsSign)
-{
-    Reports reports;
-    for (int at : {0, 1, 2, 3, 64, 125, 126, 127}) {
-        const auto place = static_cast<std::size_t>(at);
-        std::vector<ZCplx> src = cplxNumbers(129, 10);
-        std::vector<double> mag(src.size(), -7.0);
-        src[place] = {-QUIET, QUIET};
-        rvxzbMag(src.data(), mag.data(), 129);
-        EXPECT_TRUE(reports.take().empty()) << at;
-        EXPECT_EQ(std::isnan(mag[place]), at >= 126) << at;
-        mag[place] = -7.0;
-        src[place] = {QUIET, -QUIET};
-        rvxzbMag(src.data(), mag.data(), 129);
-        EXPECT_EQ(reports.take(), signFailure) << at;
-        EXPECT_EQ(mag[place] == -7.0, at >= 126) << at;
-    }
-}
-
-TEST(Magnitudes, ASignedNanEndsTheProcessInModeZero)
-{
-    const std::vector<ZCplx> src(129, ZCplx{-QUIET, 1.0});
-    std::vector<double> mag(src.size());
-    rvxSetErrMode(0);
-    EXPECT_EXIT(rvxzbMag(src.data(), mag.data(), 129), ::testing::ExitedWithCode(1), "");
-    rvxzbMag(src.data(), mag.data(), 128);
 }
