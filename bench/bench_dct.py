@@ -25,5 +25,5 @@ if fft:
         # One length alone: turns of several would each begin with new tables.
         compare(task, "65536", contenders(65536, direction))
         alone(task, contenders(1, direction))
-        limit(task, 0.7, "as beside FFTW")
+        limit(task, 0.7, "As beside FFTW.")
 measure()

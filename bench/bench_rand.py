@@ -47,6 +47,6 @@ if random:
     alone(GAUSSIAN, gaussian(1))
     alone(UNIFORM, uniform(1))
     limit(GAUSSIAN, 1.3, "2.5 words a pair that is kept, and a logarithm, a division and a root; "
-                         "NumPy's method needs neither for 99 samples of 100")
-    limit(UNIFORM, 1.0, "each word waits for the one before it, 2 cycles")
+                         "NumPy's method needs none of these for 99 samples of 100.")
+    limit(UNIFORM, 1.0, "Each word waits for the one before it, 2 cycles.")
 measure()
