@@ -86,9 +86,9 @@ void registerComparisons()
             compareBank(bank, order);
         const bool isHaar = bank.wtType == RVX_WT_HAAR;
         const std::string reason =
-            isHaar ? "a load and a store for each value, and the caches"
-                   : "two products a cycle are two thirds of the time with 30 taps and a "
-                     "third with 8; parting even from odd and beginning sums the rest";
+            isHaar ? "A load and a store for each value, and the caches."
+                   : "Two products a cycle are two thirds of the time with 30 taps and a "
+                     "third with 8; parting even from odd and beginning sums the rest.";
         limit(std::string(bank.name) + ", decompose", bank.bar, reason);
         limit(std::string(bank.name) + ", reconstruct", bank.barBack, reason);
     }

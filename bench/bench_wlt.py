@@ -81,9 +81,9 @@ if pywt:
     rvx = library()
     for bank in BANKS:
         is_haar = bank[0] == "Haar"
-        reason = ("a load and a store for each value, and the caches" if is_haar
-                  else "two products a cycle are two thirds of the time with 30 taps and a "
-                       "third with 8; parting even from odd and beginning sums the rest")
+        reason = ("A load and a store for each value, and the caches." if is_haar
+                  else "Two products a cycle are two thirds of the time with 30 taps and a "
+                       "third with 8; parting even from odd and beginning sums the rest.")
         for depth, sizes in (("", ((14, 14), (18, 18))), (", one level", ((18, 1),))):
             decompose = f"{bank[0]}{depth}, decompose; from Python"
             reconstruct = f"{bank[0]}{depth}, reconstruct; from Python"

@@ -56,7 +56,7 @@ template <typename Out, typename Sums>
 RVX_INLINE void storeSums(Sums sums, Out *out, int rowCount, int count)
 {
     Out four[4];
-    storeFour(sums, four);
+    storeFourSums(sums, four);
     for (int k = 0; k < std::min(count, 4); ++k)
         out[std::ptrdiff_t{k} * rowCount] = four[k];
 }
@@ -67,7 +67,7 @@ RVX_INLINE auto loadSums(const Out *out, int rowCount, int count)
     Out four[4] = {};
     for (int k = 0; k < std::min(count, 4); ++k)
         four[k] = out[std::ptrdiff_t{k} * rowCount];
-    return loadFour(four);
+    return loadFourSums(four);
 }
 
 // Where the sums of a row begin in a tile: its taps there, their number, and the
@@ -144,7 +144,7 @@ RVX_INLINE int sumGroup(const FirTile<Tap, Sample> &tile, const RowPart<Tap> &pa
 
     if (rowCount == 1 && count >= 4 * Vectors) {
         for (int k = 0; k < Vectors; ++k)
-            storeFour(sums[k], out + 4 * k);
+            storeFourSums(sums[k], out + 4 * k);
         return m + 4 * Vectors;
     }
     for (int k = 0; k < Vectors; ++k)

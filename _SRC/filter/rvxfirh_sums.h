@@ -33,23 +33,23 @@ RVX_INLINE Quad loadSamples(const double *plane, int stride, const ZCplx *)
     return {loadLanesOnce(plane), loadLanesOnce(plane + stride)};
 }
 
-RVX_INLINE void storeFour(Lanes sums, double *out)
+RVX_INLINE void storeFourSums(Lanes sums, double *out)
 {
     storeLanes(out, sums);
 }
 
-RVX_INLINE void storeFour(Quad sums, ZCplx *out)
+RVX_INLINE void storeFourSums(Quad sums, ZCplx *out)
 {
     storeLanes(out, interleaveLow(sums.re, sums.im));
     storeLanes(out + 2, interleaveHigh(sums.re, sums.im));
 }
 
-RVX_INLINE Lanes loadFour(const double *out)
+RVX_INLINE Lanes loadFourSums(const double *out)
 {
     return loadLanes(out);
 }
 
-RVX_INLINE Quad loadFour(const ZCplx *out)
+RVX_INLINE Quad loadFourSums(const ZCplx *out)
 {
     const Lanes low = loadLanes(out), high = loadLanes(out + 2);
     return {evenElements(low, high), oddElements(low, high)};

@@ -105,8 +105,8 @@ RVX_KERNEL void joinBands(RvxWtSums low, RvxWtSums high, std::ptrdiff_t outputs,
     }
     for (; t < outputs; t += 8) {
         const SumsInLanes<1> s = bothBands<1>(bands, t / 2);
-        storeSome(y + t, interleaveLow(s.a[0], s.b[0]), outputs - t);
-        storeSome(y + t + 4, interleaveHigh(s.a[0], s.b[0]), outputs - t - 4);
+        storeAtMost(y + t, interleaveLow(s.a[0], s.b[0]), outputs - t);
+        storeAtMost(y + t + 4, interleaveHigh(s.a[0], s.b[0]), outputs - t - 4);
     }
 }
 

@@ -91,8 +91,8 @@ RVX_KERNEL void filterParted(RvxWtSums sums, std::ptrdiff_t count, double *low, 
     }
     for (; k < count; k += 4) {
         const SumsInLanes<1> s = twoSums<1>(sums, k);
-        storeSome(low + k, s.a[0], count - k);
-        storeSome(high + k, s.b[0], count - k);
+        storeAtMost(low + k, s.a[0], count - k);
+        storeAtMost(high + k, s.b[0], count - k);
     }
 }
 

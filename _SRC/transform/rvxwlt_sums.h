@@ -108,7 +108,7 @@ RVX_INLINE SumsInLanes<vectors> twoSums(const RvxWtSums &of, std::ptrdiff_t k)
 }
 
 // The first n lanes, of which there are four at most.
-RVX_INLINE void storeSome(double *p, Lanes a, std::ptrdiff_t n)
+RVX_INLINE void storeAtMost(double *p, Lanes a, std::ptrdiff_t n)
 {
     if (n >= 4) {
         storeLanes(p, a);
